@@ -1,6 +1,7 @@
 #include "image/enhance_param.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace orvalle_scan_api {
 namespace {
