@@ -9,7 +9,7 @@ namespace jpeg_decode {
 namespace {
 
 // A picture in several scans is held as coefficients before its first line comes out.
-constexpr std::size_t kMaxWorkingBytes = std::size_t{1} << 30;
+constexpr std::size_t kMaxWorkingBytes = std::size_t{1} << 29;
 // Real pictures have up to about a dozen; each one costs a walk over the whole picture, however few its bytes.
 constexpr int kMaxScans = 64;
 
