@@ -193,7 +193,7 @@ QS_BITMAP_IMAGE_INFO CScanProc::GetScanBitmapImageInfo() {
   info.pixelsPerMeterY = pixelsPerMeter(m_userParam.resolution.y);
   info.widthPixel = static_cast<std::int32_t>(size.x);
   info.heightPixel = static_cast<std::int32_t>(size.y);
-  info.widthBytes = CBitmapHeader().CalcWidthBytes(info.widthPixel, bpp);
+  info.widthBytes = static_cast<std::int32_t>(CBitmapHeader().CalcWidthBytes(info.widthPixel, bpp));
   return info;
 }
 
