@@ -15,6 +15,7 @@ constexpr CAP kPresent = 2;
 constexpr double kMmPerInch = 25.4;
 // Sizes are reported rounded and margins are taken off them, so a paper that is this much larger still fits.
 constexpr double kSlackMm = 5;
+constexpr double kLargestMm = 10000;
 
 [[noreturn]] void refuse(const std::string& sentence) { throw CommandError(ExitCode::kNotServed, sentence); }
 [[noreturn]] void refuseUsage(const std::string& sentence) { throw CommandError(ExitCode::kUsage, sentence); }
@@ -146,6 +147,10 @@ void setArea(const ScanWish& wish, const Capability& capability, QS_SCANNER_PARA
   const double top = wish.topMm.value_or(0);
   const double width = wish.widthMm.value_or(wish.paper.widthMm - left);
   const double height = wish.heightMm.value_or(wish.paper.heightMm - top);
+  for (const double mm : {left, top, width, height}) {
+    // Written so that "not a number" is refused too.
+    if (!(std::abs(mm) <= kLargestMm)) refuseUsage("The area is larger than any device can scan.");
+  }
   if (left < 0 || top < 0) refuseUsage("-l and -t must not be negative.");
   checkSize(left + width, top + height, largestDocument(wish, capability), "area");
   settings.useScanArea = 1;
