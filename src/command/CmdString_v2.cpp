@@ -1,0 +1,297 @@
+#include "command/CmdString_v2.h"
+
+#include <cstring>
+#include <initializer_list>
+#include <string_view>
+
+#include "foundation/OutputLog.h"
+
+namespace orvalle_scan_api {
+namespace {
+
+constexpr char kEscape = '\x1B';
+constexpr char kLineEnd = '\x0A';
+constexpr char kFrameEnd = '\x80';
+
+using Param = _SCANCMD_SCANPARAM;
+using MakeLine = std::string (CCmdString_v2::*)(const Param&) const;
+
+// Row order is wire order.
+constexpr MakeLine kSSPLines[] = {
+    &CCmdString_v2::MakeOSinfoString,               // OS
+    &CCmdString_v2::MakePaperSourceString,          // PSRC
+    &CCmdString_v2::MakeResolutionString,           // RESO
+    &CCmdString_v2::MakeColorTypeString,            // CLR
+    &CCmdString_v2::MakeScanAreaString,             // AREA
+    &CCmdString_v2::MakeMarginAreaString,           // MRGN
+    &CCmdString_v2::MakeDuplexScanString,           // DPLX
+    &CCmdString_v2::MakeBrightnessString,           // BRIT
+    &CCmdString_v2::MakeContrastString,             // CONT
+    &CCmdString_v2::MakeAutoColorLevelString,       // ATCL  only with an automatic colour level
+    &CCmdString_v2::MakeMonoThresholdString,        // THRS  only with a valid threshold of our own
+    &CCmdString_v2::MakeCompressionString,          // COMP
+    &CCmdString_v2::MakeJpegCompressionRateString,  // RATE
+    &CCmdString_v2::MakeJpegSamplingFactorString,   // JSF
+    &CCmdString_v2::MakeImageProcessingString,      // IPRC
+    &CCmdString_v2::MakePaperTypeString,            // PTYPE
+    &CCmdString_v2::MakeScanPageString,             // PAGE
+    &CCmdString_v2::MakeLongPaperModeString,        // LONG
+    &CCmdString_v2::MakeCarrierSheetModeSetring,    // CARR
+    &CCmdString_v2::MakeGroundColorRemovalString,   // RMGC
+    &CCmdString_v2::MakeDoubleFeedDetectionString,  // DTDF
+    &CCmdString_v2::MakeDoubleFeedMotionString,     // OPDF  only with a motion
+    &CCmdString_v2::MakeVertexDetectionString,      // DT4V
+    &CCmdString_v2::MakeAutoDeskewString,           // DSKW
+    &CCmdString_v2::MakeLandScapeModeString,        // LSMD
+    &CCmdString_v2::MakeBlankPageRemoval,           // RMBP
+    &CCmdString_v2::MakeMoireRemovalString,         // RMMR
+    &CCmdString_v2::MakeGammaAdjustString,          // GMMA
+    &CCmdString_v2::MakeToneAdjustString,           // TONE
+    &CCmdString_v2::MakeQuietScanString,            // QTFD
+    &CCmdString_v2::MakeUserName,                   // USER
+};
+
+constexpr MakeLine kXSCLines[] = {
+    &CCmdString_v2::MakeResolutionString,    // RESO
+    &CCmdString_v2::MakeLastScanAreaString,  // AREA
+    &CCmdString_v2::MakeSpecialModeString,   // MODE
+};
+
+struct Keyword {
+  std::int32_t value;
+  const char* word;
+};
+
+constexpr Keyword kAreaWords[] = {{1, "FULL"}, {2, "OVER"}, {3, "AUTO"}, {4, "ATDSKW"}};
+
+template <std::size_t N>
+const char* wordOf(const Keyword (&words)[N], std::int32_t value, const char* otherwise) {
+  for (const Keyword& row : words) {
+    if (row.value == value) return row.word;
+  }
+  return otherwise;
+}
+
+std::string line(const char* key, std::string_view value) {
+  return std::string(key).append("=").append(value).append(1, kLineEnd);
+}
+
+template <class Number>
+std::string joined(std::initializer_list<Number> numbers) {
+  std::string text;
+  for (const Number number : numbers) {
+    if (!text.empty()) text += ',';
+    text += std::to_string(number);
+  }
+  return text;
+}
+
+const char* onOff(bool on) { return on ? "ON" : "OFF"; }
+
+// The three-way form of a function that may have a level.
+template <class Setting>
+std::string onOffOrLevel(const Setting& setting) {
+  if (setting.isOn && setting.hasLevel) return std::to_string(setting.level);
+  return onOff(setting.isOn);
+}
+
+std::string paperSourceLine(SCANCMD_PAPERSOURCE_TYPE source) {
+  static constexpr Keyword kWords[] = {{1, "ADF"}, {2, "FB"}};
+  return line("PSRC", wordOf(kWords, source, "AUTO"));
+}
+
+std::string frame(const char* mnemonic, const std::string& lines) {
+  return std::string(1, kEscape).append(mnemonic).append(1, kLineEnd).append(lines).append(1, kFrameEnd);
+}
+
+template <std::size_t N>
+std::string frame(const char* mnemonic, const CCmdString_v2& maker, const MakeLine (&rows)[N], const Param* param) {
+  if (param == nullptr) return {};
+  std::string lines;
+  for (const MakeLine make : rows) lines += (maker.*make)(*param);
+  return frame(mnemonic, lines);
+}
+
+}  // namespace
+
+std::string CCmdString_v2::MakeCKDcmdString(SCANCMD_PAPERSOURCE_TYPE source) const {
+  std::string command = frame("CKD", paperSourceLine(source));
+  g_ScanDevApiLog.WriteLog(0, "CKD Command:\r\n%s", command.c_str());
+  return command;
+}
+
+std::string CCmdString_v2::MakeSSPcmdString(const Param* param) const {
+  std::string command = frame("SSP", *this, kSSPLines, param);
+  g_ScanDevApiLog.WriteLog(0, "SSP Command:\r\n%s", command.c_str());
+  return command;
+}
+
+std::string CCmdString_v2::MakeXSCcmdString(const Param* param) const {
+  std::string command = frame("XSC", *this, kXSCLines, param);
+  g_ScanDevApiLog.WriteLog(0, "XSC Command:\r\n%s", command.c_str());
+  return command;
+}
+
+std::string CCmdString_v2::MakeABTcmdString(SCANCMD_EJECTION_TYPE ejection) const {
+  std::string command = frame("ABT", MakeEjectionModeString(ejection));
+  g_ScanDevApiLog.WriteLog(0, "ABT Command:\r\n%s", command.c_str());
+  return command;
+}
+
+std::string CCmdString_v2::MakeOSinfoString(const Param& param) const {
+  static constexpr Keyword kWords[] = {{2, "MAC"}, {3, "IOS"}, {4, "ADR"}, {5, "LNX"}, {6, "WPH"}};
+  return line("OS", wordOf(kWords, param.osInfo, "WIN"));
+}
+
+std::string CCmdString_v2::MakePaperSourceString(const Param& param) const {
+  return paperSourceLine(param.paperSource);
+}
+
+std::string CCmdString_v2::MakeResolutionString(const Param& param) const {
+  return line("RESO", param.resolution.isAuto ? "AUTO" : joined({param.resolution.x, param.resolution.y}));
+}
+
+std::string CCmdString_v2::MakeColorTypeString(const Param& param) const {
+  static constexpr Keyword kWords[] = {{0, "TEXT"}, {1, "ERRDIF"}, {2, "GRAY256"}, {3, "C256"}, {4, "C24BIT"}};
+  return line("CLR", wordOf(kWords, param.colorType, "AUTO"));
+}
+
+std::string CCmdString_v2::MakeScanAreaString(const Param& param) const {
+  return line("AREA", wordOf(kAreaWords, param.scanArea.areaType, "NORMAL"));
+}
+
+std::string CCmdString_v2::MakeMarginAreaString(const Param& param) const {
+  // The order left, right, top, bottom is the device's; it is not the rectangle's own.
+  const tagRECT& margin = param.marginArea;
+  return line("MRGN", joined({margin.left / 10, margin.right / 10, margin.top / 10, margin.bottom / 10}));
+}
+
+std::string CCmdString_v2::MakeDuplexScanString(const Param& param) const {
+  const bool backOnly = param.duplexScan.isDuplex && param.duplexScan.isBackSideOnly;
+  return line("DPLX", backOnly ? "BACK" : onOff(param.duplexScan.isDuplex));
+}
+
+std::string CCmdString_v2::MakeBrightnessString(const Param& param) const {
+  return line("BRIT", std::to_string(param.brightness + 50LL));
+}
+
+std::string CCmdString_v2::MakeContrastString(const Param& param) const {
+  return line("CONT", std::to_string(param.contrast + 50LL));
+}
+
+std::string CCmdString_v2::MakeAutoColorLevelString(const Param& param) const {
+  if (!param.autoColorLevelOn) return {};
+  return line("ATCL", joined({param.autoColorLevel.first, param.autoColorLevel.second}));
+}
+
+std::string CCmdString_v2::MakeMonoThresholdString(const Param& param) const {
+  if (param.monoThreshold.useDeviceValue || !param.monoThreshold.isValid) return {};
+  return line("THRS", std::to_string(param.monoThreshold.threshold));
+}
+
+std::string CCmdString_v2::MakeCompressionString(const Param& param) const {
+  static constexpr Keyword kWords[] = {{2, "RLENGTH"}, {4, "RLENGTH"}, {3, "JPEG"}, {5, "JPEG"}};
+  return line("COMP", wordOf(kWords, param.compressionType, "NONE"));
+}
+
+std::string CCmdString_v2::MakeJpegCompressionRateString(const Param& param) const {
+  return line("RATE", std::to_string(param.jpegCompressionRate));
+}
+
+std::string CCmdString_v2::MakeJpegSamplingFactorString(const Param& param) const {
+  static constexpr Keyword kWords[] = {{1, "422"}, {2, "411"}, {3, "420"}, {4, "400"}};
+  return line("JSF", wordOf(kWords, param.jpegSamplingFactor, "444"));
+}
+
+std::string CCmdString_v2::MakeImageProcessingString(const Param& param) const {
+  static constexpr Keyword kWords[] = {{1, "COPY"}, {2, "OCR"}, {3, "PHOTO"}, {4, "TXTGR"}};
+  return line("IPRC", wordOf(kWords, param.imageProcessing, "NORMAL"));
+}
+
+std::string CCmdString_v2::MakePaperTypeString(const Param& param) const {
+  // Kept: "THOCK" is the word that devices understand.
+  static constexpr Keyword kWords[] = {{1, "THIN"}, {2, "THOCK"}, {3, "PCARD"}};
+  return line("PTYPE", wordOf(kWords, param.paperType, "NORMAL"));
+}
+
+std::string CCmdString_v2::MakeScanPageString(const Param& param) const {
+  return line("PAGE", std::to_string(param.scanPage));
+}
+
+std::string CCmdString_v2::MakeLongPaperModeString(const Param& param) const {
+  return line("LONG", onOff(param.longPaperMode));
+}
+
+std::string CCmdString_v2::MakeCarrierSheetModeSetring(const Param& param) const {
+  const bool automatic = param.carrierSheetMode.isOn && param.carrierSheetMode.isAuto;
+  return line("CARR", automatic ? "AUTO" : onOff(param.carrierSheetMode.isOn));
+}
+
+std::string CCmdString_v2::MakeGroundColorRemovalString(const Param& param) const {
+  return line("RMGC", onOffOrLevel(param.groundColorRemoval));
+}
+
+std::string CCmdString_v2::MakeDoubleFeedDetectionString(const Param& param) const {
+  return line("DTDF", onOffOrLevel(param.doubleFeedDetection));
+}
+
+std::string CCmdString_v2::MakeDoubleFeedMotionString(const Param& param) const {
+  if (!param.feedMotion.isOn) return {};
+  return line("OPDF", param.feedMotion.isContinue ? "CONT" : "STOP");
+}
+
+std::string CCmdString_v2::MakeVertexDetectionString(const Param& param) const {
+  return line("DT4V", onOff(param.vertexDetection));
+}
+
+std::string CCmdString_v2::MakeAutoDeskewString(const Param& param) const {
+  return line("DSKW", onOff(param.autoDeskew));
+}
+
+std::string CCmdString_v2::MakeLandScapeModeString(const Param& param) const {
+  return line("LSMD", onOff(param.landscapeMode));
+}
+
+std::string CCmdString_v2::MakeBlankPageRemoval(const Param& param) const {
+  return line("RMBP", onOffOrLevel(param.blankPageRemoval));
+}
+
+std::string CCmdString_v2::MakeMoireRemovalString(const Param& param) const {
+  return line("RMMR", onOff(param.moireRemoval));
+}
+
+std::string CCmdString_v2::MakeGammaAdjustString(const Param& param) const {
+  if (!param.gammaAdjust.isOn) return line("GMMA", "OFF");
+  return line("GMMA", param.gammaAdjust.value == 0 ? "" : std::to_string(param.gammaAdjust.value));
+}
+
+std::string CCmdString_v2::MakeToneAdjustString(const Param& param) const {
+  return line("TONE", onOff(param.toneAdjust));
+}
+
+std::string CCmdString_v2::MakeQuietScanString(const Param& param) const {
+  return line("QTFD", onOff(param.quietScan));
+}
+
+std::string CCmdString_v2::MakeUserName(const Param& param) const {
+  return line("USER", std::string_view(param.userName, strnlen(param.userName, sizeof param.userName)));
+}
+
+std::string CCmdString_v2::MakeLastScanAreaString(const Param& param) const {
+  const _SCANCMD_SCANAREA& area = param.scanArea;
+  if (const char* word = wordOf(kAreaWords, area.areaType, nullptr); word != nullptr) return line("AREA", word);
+  return line("AREA", joined({area.left, area.top, area.left + area.width, area.top + area.height}));
+}
+
+std::string CCmdString_v2::MakeSpecialModeString(const Param& param) const {
+  static constexpr Keyword kWords[] = {{2, "EDGEPRE"}, {3, "ORIGINAL"}};
+  return line("MODE", wordOf(kWords, param.specialScan, "NORMAL"));
+}
+
+std::string CCmdString_v2::MakeEjectionModeString(SCANCMD_EJECTION_TYPE ejection) const {
+  if (ejection == SCANCMD_EJECTION_UNSPECIFIED) return {};
+  static constexpr Keyword kWords[] = {{1, "ALL"}, {3, "NO"}};
+  return line("EJCT", wordOf(kWords, ejection, "ONE"));
+}
+
+}  // namespace orvalle_scan_api
