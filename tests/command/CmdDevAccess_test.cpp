@@ -5,10 +5,14 @@
 
 #include <random>
 
+#include "tests/command/answers.h"
 #include "tests/fakes/ScriptedDevice.h"
 #include "tests/fakes/log_capture.h"
 
 using namespace orvalle_scan_api;
+using answers::framed;
+using answers::pattern;
+using answers::u32;
 using namespace std::string_literals;
 
 namespace {
@@ -27,25 +31,10 @@ Info shape(int resultSize, int signatureSize, int lengthSize) {
 }
 Info secondGenerationShape() { return shape(1, 3, 4); }
 
-std::string u32(std::uint32_t value) {
-  std::string bytes;
-  for (int i = 0; i < 4; ++i) bytes += static_cast<char>(value >> (8 * i) & 0xFF);
-  return bytes;
-}
-std::string framed(const std::string& signature, const std::string& body, char result = '\0') {
-  return result + signature + u32(static_cast<std::uint32_t>(body.size())) + body;
-}
 std::string bodyOf(const Info& info) {
   if (info.data == nullptr || info.dataSize <= 0) return "";
   return std::string(reinterpret_cast<const char*>(info.data), static_cast<std::size_t>(info.dataSize));
 }
-// Bytes that differ from their neighbours.
-std::string pattern(std::size_t size) {
-  std::string bytes;
-  for (std::size_t i = 0; i < size; ++i) bytes += static_cast<char>(i * 7 + i / 256 + 1);
-  return bytes;
-}
-
 }  // namespace
 
 class CmdDevAccess : public ::testing::Test {
