@@ -13,7 +13,7 @@ namespace {
 // What CLI11 fills; names are turned into values afterwards, by tables that know the usual spellings.
 struct RawOptions {
   Options options;
-  std::string mode = "color";
+  std::string mode;
   std::string source = "auto";
   std::string binding;
   std::string paper;
@@ -22,6 +22,7 @@ struct RawOptions {
   std::string batch;
   std::string compression = "auto";
   std::string progress;
+  CLI::Option* progressOption = nullptr;
 };
 
 [[noreturn]] void refuse(const std::string& sentence) { throw CommandError(ExitCode::kUsage, sentence); }
@@ -58,7 +59,7 @@ void addScanOptions(CLI::App& app, RawOptions& raw) {
   app.add_option("--batch", raw.batch, "One file for each page, named by a pattern such as page%03d.png");
   app.add_option("--resolution", wish.resolutionDpi, "Dots per inch, one of those that info lists")
       ->capture_default_str();
-  app.add_option("--mode", raw.mode, "color, gray, mono, dither or auto")->capture_default_str();
+  app.add_option("--mode", raw.mode, "color, gray, mono, dither or auto; without it the first that the device offers");
   app.add_option("--source", raw.source,
                  "auto, flatbed, adf or adf-duplex. The device itself takes paper from the feeder when there is some, "
                  "and else from the flatbed; this option chooses the margins and the position of the paper")
@@ -80,8 +81,10 @@ void addScanOptions(CLI::App& app, RawOptions& raw) {
       ->capture_default_str();
   app.add_option("--compression", raw.compression, "For PDF: auto (JPEG for color and gray) or lossless")
       ->capture_default_str();
-  app.add_flag("-p,--progress{text}", raw.progress,
-               "Tell of each page on standard error; --progress=json for programs");
+  raw.progressOption =
+      app.add_option("-p,--progress", raw.progress, "Tell of each page on standard error; --progress=json for programs")
+          ->type_name("[json]")
+          ->expected(0, 1);
 }
 
 void setPaper(RawOptions& raw) {
@@ -111,20 +114,20 @@ void setSides(RawOptions& raw) {
 
 void finishScanOptions(RawOptions& raw) {
   Options& options = raw.options;
-  const auto mode = findMode(raw.mode);
-  if (!mode) refuse("The mode \"" + raw.mode + "\" is unknown. There are color, gray, mono, dither and auto.");
-  options.wish.mode = *mode;
+  if (!raw.mode.empty()) {
+    options.wish.mode = findMode(raw.mode);
+    if (!options.wish.mode) {
+      refuse("The mode \"" + raw.mode + "\" is unknown. There are color, gray, mono, dither and auto.");
+    }
+  }
   setSides(raw);
   setPaper(raw);
   options.output = planOutput(raw.format, raw.path, raw.batch);
   if (raw.compression != "auto" && raw.compression != "lossless") refuse("The compression is auto or lossless.");
   options.writer.lossless = raw.compression == "lossless";
-  if (raw.progress == "text") {
-    options.progress = ProgressStyle::kText;
-  } else if (raw.progress == "json") {
-    options.progress = ProgressStyle::kJson;
-  } else if (!raw.progress.empty()) {
-    refuse("The progress is text or json.");
+  if (raw.progressOption->count() > 0) {
+    if (!raw.progress.empty() && raw.progress != "json") refuse("Write --progress or --progress=json.");
+    options.progress = raw.progress.empty() ? ProgressStyle::kText : ProgressStyle::kJson;
   }
   if (options.json && options.output.path == "-")
     refuse("--json and -o - both want standard output: name a file with -o.");
