@@ -41,7 +41,7 @@ class FakeJpegDecode : public orvalle_scan_api::IJpegDecode {
     return pageStatus;
   }
   void EndPage() override { ++endPages; }
-  Status OpenBand(const void* data, unsigned int size, orvalle_scan_api::JPEGBANDINFO* info) override {
+  Status OpenBand(const void*, unsigned int size, orvalle_scan_api::JPEGBANDINFO* info) override {
     if (size == 0) return orvalle_scan_api::JPEGDECODE_INVALID_PARAMETER;
     *info = bandInfo;
     return openStatus;
