@@ -15,7 +15,7 @@ namespace {
 
 using namespace qsscan;
 
-void printJson(const nlohmann::ordered_json& json) { std::printf("%s\n", json.dump(2).c_str()); }
+void printJson(const nlohmann::ordered_json& json) { std::printf("%s\n", jsonText(json, 2).c_str()); }
 
 void printReport(const ScanReport& report, const Options& options) {
   std::fputs(reportText(report).c_str(), stderr);
@@ -57,7 +57,9 @@ int fail(const CommandError& error, const std::optional<Options>& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::signal(SIGPIPE, SIG_IGN);  // a closed standard output is told as a failed write
+  // A closed standard output and a file that may not grow are told as failed writes.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   std::optional<Options> options;
   try {
     options = parseCommandLine(argc, argv);

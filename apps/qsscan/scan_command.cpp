@@ -64,7 +64,7 @@ class ScanWriter {
     if (style_ == ProgressStyle::kJson) {
       auto event = pageJson(page);
       event["event"] = "page";
-      std::fprintf(progress_, "%s\n", event.dump().c_str());
+      std::fprintf(progress_, "%s\n", jsonText(event, -1).c_str());
     }
     std::fflush(progress_);
   }

@@ -235,8 +235,9 @@ QSRSLT CJpegDecodeThread::Convert24BitColorToTrueGrayImageDataStore(CImageDataSt
   Trace trace(__func__);
   const BmpLines lines = bmpLines(store->GetData(), store->GetDataSize());
   CBitmapHeader bitmap;
-  const int resX = bitmap.GetResolutionX(store->GetData(), store->GetDataSize());
-  const int resY = bitmap.GetResolutionY(store->GetData(), store->GetDataSize());
+  // The description's, since a BMP header holds them in pixels per metre, where 150 dots per inch come back as 149.
+  const int resX = store->GetResolutionX();
+  const int resY = store->GetResolutionY();
   const int height = static_cast<int>(lines.promised);
   constexpr int kGrayBits = 8;
   int headerSize = 0;

@@ -15,15 +15,20 @@ using test::decodeJpeg;
 using test::differenceOf;
 using test::patternOf;
 
+Raster resampled(const Raster& source, int widthPx, int heightPx) {
+  return resample(source, {static_cast<double>(source.widthPx), static_cast<double>(source.heightPx)}, widthPx,
+                  heightPx);
+}
+
 TEST(Resample, TheSameSizeGivesTheSamePixels) {
   const Raster picture = patternOf(31, 17, 3);
-  EXPECT_EQ(resample(picture, 31, 17).pixels, picture.pixels);
+  EXPECT_EQ(resampled(picture, 31, 17).pixels, picture.pixels);
 }
 
 TEST(Resample, HalfTheSizeIsTheMeanOfFour) {
   Raster picture(4, 2, 1);
   picture.pixels = {0, 100, 10, 30, 200, 100, 50, 30};
-  const Raster half = resample(picture, 2, 1);
+  const Raster half = resampled(picture, 2, 1);
   EXPECT_EQ(half.pixels, (Bytes{100, 30}));
 }
 
@@ -32,7 +37,7 @@ TEST(Resample, AFlatPictureStaysFlatAtAnySize) {
   for (const int value : {0, 1, 128, 254, 255}) {
     const Raster picture(37, 23, 3, static_cast<std::uint8_t>(value));
     for (const auto& size : kSizes) {
-      const Raster other = resample(picture, size.w, size.h);
+      const Raster other = resampled(picture, size.w, size.h);
       ASSERT_EQ(other.widthPx, size.w);
       ASSERT_EQ(other.heightPx, size.h);
       for (const auto pixel : other.pixels) ASSERT_EQ(pixel, value) << size.w << "x" << size.h;
@@ -43,7 +48,15 @@ TEST(Resample, AFlatPictureStaysFlatAtAnySize) {
 TEST(Resample, UpwardsAStepBecomesASlope) {
   Raster picture(2, 1, 1);
   picture.pixels = {0, 200};
-  EXPECT_EQ(resample(picture, 4, 1).pixels, (Bytes{0, 50, 150, 200}));
+  EXPECT_EQ(resampled(picture, 4, 1).pixels, (Bytes{0, 50, 150, 200}));
+}
+
+TEST(Resample, ASpanIsTheBeginningOfThePicture) {
+  const Raster picture = patternOf(40, 30, 3);
+  const Raster part = resample(picture, {10, 7}, 10, 7);
+  for (int y = 0; y < 7; ++y) {
+    EXPECT_EQ(Bytes(part.line(y), part.line(y) + 30), Bytes(picture.line(y), picture.line(y) + 30)) << y;
+  }
 }
 
 TEST(Resample, UpAndDownAgainShowsTheSamePicture) {
@@ -52,7 +65,7 @@ TEST(Resample, UpAndDownAgainShowsTheSamePicture) {
     for (int x = 0; x < 60; ++x)
       smooth.line(y)[x] = static_cast<std::uint8_t>(127 + 60 * std::sin(x / 9.0) + 50 * std::cos(y / 7.0));
   }
-  const Raster back = resample(resample(smooth, 150, 100), 60, 40);
+  const Raster back = resampled(resampled(smooth, 150, 100), 60, 40);
   EXPECT_LE(differenceOf(back, smooth).largest, 6);
 }
 

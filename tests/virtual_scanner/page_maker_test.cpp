@@ -59,6 +59,21 @@ TEST_F(PageMakerTest, WhatLiesBesideTheSheetIsWhite) {
   }
 }
 
+TEST_F(PageMakerTest, ASheetLargerThanTheDeviceIsCutToItsBeginning) {
+  const Raster picture = patternOf(500, 600, 1);  // at 50 dpi 10 x 12 inches, 3000 x 3600 pixels at 300 dpi
+  const ScanSettings coarse = settingsOf(ColorMode::Grey, Compression::None, 50);
+  const Page page = make(picture, 50, coarse, {}, AreaKind::Automatic);
+  ASSERT_EQ(page.lineBytes, 425u);
+  ASSERT_EQ(page.heightPx, 600);
+  for (int y = 0; y < 600; ++y) {
+    ASSERT_EQ(Bytes(page.data.begin() + y * 425, page.data.begin() + y * 425 + 425),
+              Bytes(picture.line(y), picture.line(y) + 425));
+  }
+  const Page fine = make(picture, 50, settingsOf(ColorMode::Grey, Compression::None, 300), {}, AreaKind::Automatic);
+  EXPECT_EQ(fine.widthPx, 2550);
+  EXPECT_EQ(fine.heightPx, 3600);
+}
+
 TEST_F(PageMakerTest, TheAutomaticAreaIsTheSheetAndTellsItsSize) {
   const Raster picture = patternOf(200, 100, 1);
   const Page page = make(picture, 300, settingsOf(ColorMode::Grey, Compression::None, 300), {}, AreaKind::Automatic);

@@ -69,7 +69,8 @@ TEST(Program, ItTellsItsPortServesAndEndsCleanlyOnASignal) {
   const test::TempFolder folder;
   test::writePng(folder.file("sheet.png"), test::patternOf(40, 30, 3), 300);
   for (const int signal : {SIGTERM, SIGINT}) {
-    Program program({"--listen", "127.0.0.1:0", folder.file("sheet.png"), "--set", "compressType[2]=3", "--reload"});
+    Program program({"--listen", "127.0.0.1:0", "--set", "compressType[2]=3", "--fault", "reset@page=9",
+                     folder.file("sheet.png"), "--reload"});
     const std::string line = program.outLine();
     ASSERT_TRUE(line.starts_with("listening on 127.0.0.1:")) << line;
     test::Host host = test::Host::connectTcp(std::stoi(line.substr(line.rfind(':') + 1)));

@@ -84,6 +84,7 @@ void writeTiff(const std::string& path, const std::vector<Raster>& pages, float 
 }
 
 void writeFile(const std::string& path, const std::string& bytes) {
+  std::filesystem::remove(path);  // some file systems wait for the disk when a file is cut to nothing and written anew
   std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
