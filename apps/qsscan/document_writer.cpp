@@ -1,0 +1,23 @@
+#include "document_writer.h"
+
+#include "jpeg_writer.h"
+#include "pdf_writer.h"
+#include "png_writer.h"
+
+namespace qsscan {
+
+std::unique_ptr<DocumentWriter> makeWriter(Format format, std::FILE* stream, const WriterOptions& options) {
+  switch (format) {
+    case Format::kPng:
+      return std::make_unique<PngWriter>(stream);
+    case Format::kJpeg:
+      return std::make_unique<JpegWriter>(stream, options.jpegQuality);
+    case Format::kPdf:
+      break;
+  }
+  return std::make_unique<PdfWriter>(stream, options);
+}
+
+bool holdsManyPages(Format format) { return format == Format::kPdf; }
+
+}  // namespace qsscan

@@ -1,0 +1,33 @@
+#include "interrupts.h"
+
+#include <atomic>
+
+namespace qsscan {
+namespace {
+
+std::atomic<int> requests{0};
+static_assert(std::atomic<int>::is_always_lock_free, "a signal handler sets it");
+
+void countRequest(int) { requests.fetch_add(1); }
+
+}  // namespace
+
+Interrupts::Interrupts() {
+  requests = 0;
+  struct sigaction action {};
+  action.sa_handler = countRequest;
+  action.sa_flags = SA_RESTART;
+  for (int i = 0; i < 3; ++i) {
+    ::sigaction(kSignals[i], nullptr, &before_[i]);
+    // What the caller had ignored, as nohup does, stays ignored.
+    if (before_[i].sa_handler != SIG_IGN) ::sigaction(kSignals[i], &action, nullptr);
+  }
+}
+
+Interrupts::~Interrupts() {
+  for (int i = 0; i < 3; ++i) ::sigaction(kSignals[i], &before_[i], nullptr);
+}
+
+int Interrupts::count() const { return requests; }
+
+}  // namespace qsscan

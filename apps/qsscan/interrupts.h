@@ -1,0 +1,23 @@
+// Counts Ctrl-C and the other requests to stop while a scan runs.
+#pragma once
+
+#include <signal.h>
+
+namespace qsscan {
+
+// While one lives, SIGINT, SIGTERM and SIGHUP are counted instead of ending the program. One at a time.
+class Interrupts {
+ public:
+  Interrupts();
+  ~Interrupts();
+  Interrupts(const Interrupts&) = delete;
+  Interrupts& operator=(const Interrupts&) = delete;
+
+  int count() const;
+
+ private:
+  static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
+  struct sigaction before_[3];
+};
+
+}  // namespace qsscan

@@ -1,0 +1,72 @@
+// qsscan: scans documents from the command line.
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <optional>
+
+#include "capability_text.h"
+#include "connect.h"
+#include "core_library.h"
+#include "options.h"
+#include "scan_command.h"
+
+namespace {
+
+using namespace qsscan;
+
+void printJson(const nlohmann::ordered_json& json) { std::printf("%s\n", jsonText(json, 2).c_str()); }
+
+void printReport(const ScanReport& report, const Options& options) {
+  std::fputs(reportText(report).c_str(), stderr);
+  if (options.json) printJson(reportJson(report));
+}
+
+int runInfo(orvalle_scan_api::IScanCoreApi& core, const Options& options) {
+  const Capability capability = connect(core, options.device);
+  if (options.json) {
+    printJson(capabilityJson(options.device, capability));
+  } else {
+    std::fputs(capabilityText(options.device, capability).c_str(), stdout);
+  }
+  return static_cast<int>(ExitCode::kDone);
+}
+
+int run(const Options& options) {
+  const CoreLibrary library(options.library);
+  const auto core = library.create();
+  if (options.command == Options::Command::kInfo) return runInfo(*core, options);
+  const ScanReport report = runScan(*core, options, stderr, printReport);
+  printReport(report, options);
+  return static_cast<int>(report.exit);
+}
+
+int fail(const CommandError& error, const std::optional<Options>& options) {
+  ScanReport report;
+  report.exit = error.code();
+  report.sentence = error.what();
+  report.result = error.result();
+  std::fprintf(stderr, "qsscan: %s\n", error.what());
+  if (options && options->json) {
+    report.device = options->device;
+    printJson(reportJson(report));
+  }
+  return static_cast<int>(error.code());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // A closed standard output and a file that may not grow are told as failed writes.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+  std::optional<Options> options;
+  try {
+    options = parseCommandLine(argc, argv);
+    return options ? run(*options) : static_cast<int>(ExitCode::kDone);
+  } catch (const CommandError& error) {
+    return fail(error, options);
+  } catch (const std::exception& error) {
+    return fail(CommandError(ExitCode::kInternal, std::string("Unexpected failure: ") + error.what() + "."), options);
+  }
+}

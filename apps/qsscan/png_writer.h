@@ -1,0 +1,18 @@
+// A page as PNG, by libpng.
+#pragma once
+
+#include "document_writer.h"
+
+namespace qsscan {
+
+class PngWriter : public DocumentWriter {
+ public:
+  explicit PngWriter(std::FILE* stream) : stream_(stream) {}
+  void addPage(const Page& page) override;
+  void finish() override {}
+
+ private:
+  std::FILE* stream_;  // Not owned.
+};
+
+}  // namespace qsscan

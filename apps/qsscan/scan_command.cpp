@@ -1,0 +1,144 @@
+#include "scan_command.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <optional>
+#include <thread>
+
+#include "connect.h"
+#include "interrupts.h"
+#include "page_fetcher.h"
+#include "results.h"
+#include "settings.h"
+
+namespace qsscan {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t kQueuePages = 4;
+constexpr std::size_t kQueueBytes = std::size_t{256} << 20;
+constexpr std::chrono::milliseconds kWriterPoll{50};
+
+// The writer's side of a scan: takes pages from the queue and puts them into files.
+class ScanWriter {
+ public:
+  ScanWriter(const Options& options, std::FILE* progress)
+      : output_(options.output, options.writer), style_(options.progress), progress_(progress) {}
+
+  // False once writing has failed.
+  bool write(const Page& page) {
+    if (failure_) return false;
+    attempt([&] {
+      output_.addPage(page);
+      pages_.push_back(reportPage(page, seconds()));
+      tell(pages_.back());
+    });
+    return !failure_;
+  }
+
+  void finish(ScanReport& report) {
+    attempt([&] { output_.finish(); });
+    pages_.resize(static_cast<std::size_t>(output_.keptPages()));
+    report.pages = pages_;
+    report.files = output_.files();
+    report.seconds = seconds();
+  }
+
+  const std::optional<CommandError>& failure() const { return failure_; }
+
+ private:
+  template <typename Action>
+  void attempt(Action action) {
+    try {
+      action();
+    } catch (const CommandError& error) {
+      if (!failure_) failure_ = error;
+    }
+  }
+
+  double seconds() const { return std::chrono::duration<double>(Clock::now() - start_).count(); }
+
+  void tell(const PageReport& page) {
+    if (style_ == ProgressStyle::kText) std::fprintf(progress_, "%s\n", pageText(page).c_str());
+    if (style_ == ProgressStyle::kJson) {
+      auto event = pageJson(page);
+      event["event"] = "page";
+      std::fprintf(progress_, "%s\n", jsonText(event, -1).c_str());
+    }
+    std::fflush(progress_);
+  }
+
+  OutputSet output_;
+  const ProgressStyle style_;
+  std::FILE* progress_;  // Not owned.
+  const Clock::time_point start_ = Clock::now();
+  std::vector<PageReport> pages_;
+  std::optional<CommandError> failure_;
+};
+
+void setEnd(ScanReport& report, ExitCode exit, const std::string& sentence, std::uint32_t result = 0) {
+  report.exit = exit;
+  report.sentence = sentence;
+  report.result = result;
+}
+
+void judge(ScanReport& report, const FetchOutcome& outcome, const ScanWriter& writer, int pageLimit, bool interrupted) {
+  report.blankPages = outcome.blankPages;
+  if (writer.failure()) return setEnd(report, writer.failure()->code(), writer.failure()->what());
+  if (interrupted) return setEnd(report, ExitCode::kInterrupted, "Interrupted.");
+  if (pageLimit > 0 && outcome.pages >= pageLimit) return;
+  switch (outcome.end) {
+    case FetchOutcome::End::kFinished:
+      if (outcome.pages > 0) return;
+      return setEnd(report, ExitCode::kNoPages,
+                    outcome.blankPages > 0 ? "All pages were blank."
+                                           : "The scan ended without a page. Load paper and try again.");
+    case FetchOutcome::End::kBadPage:
+      return setEnd(report, ExitCode::kInternal, "The scanning library described a page that cannot be.");
+    case FetchOutcome::End::kCancelled:
+    case FetchOutcome::End::kFailed:
+      break;
+  }
+  const ResultText text = describeResult(outcome.result, Phase::kScanning);
+  setEnd(report, text.exit, text.sentence, outcome.result);
+}
+
+}  // namespace
+
+ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Options& options, std::FILE* progress,
+                   void (*leave)(const ScanReport&, const Options&)) {
+  const Capability capability = connect(core, options.device);
+  const bool asksFeeder = options.wish.source == Source::kAuto && !options.wish.duplex;
+  const auto settings = makeSettings(options.wish, capability, asksFeeder && core.IsAdfInserted());
+
+  ScanReport report;
+  report.device = options.device;
+  ScanWriter writer(options, progress);
+  const Interrupts interrupts;
+  PageQueue queue(kQueuePages, kQueueBytes);
+  PageFetcher fetcher(core, settings, queue, options.wish.pages);
+  std::thread fetching([&] { fetcher.run(); });
+
+  Page page;
+  for (PageQueue::Pop got; (got = queue.pop(page, kWriterPoll)) != PageQueue::Pop::kClosed;) {
+    if (interrupts.count() > 0) fetcher.requestAbort();
+    if (got == PageQueue::Pop::kPage && !writer.write(page)) fetcher.requestDiscard();
+    if (interrupts.count() < 2) continue;
+
+    fetcher.requestDiscard();
+    while (queue.pop(page, std::chrono::milliseconds(0)) == PageQueue::Pop::kPage) writer.write(page);
+    writer.finish(report);
+    setEnd(report, ExitCode::kInterrupted, "Interrupted.");
+    leave(report, options);
+    std::fflush(nullptr);
+    // The fetching thread may be deep in the library, waiting for the device.
+    std::_Exit(static_cast<int>(ExitCode::kInterrupted));
+  }
+  fetching.join();
+  writer.finish(report);
+  judge(report, fetcher.outcome(), writer, options.wish.pages, interrupts.count() > 0);
+  return report;
+}
+
+}  // namespace qsscan

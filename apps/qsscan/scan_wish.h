@@ -1,0 +1,44 @@
+// What the user wishes for a scan, before anything is known of the device.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "paper.h"
+#include "scan_types.h"
+
+namespace qsscan {
+
+enum class Source { kAuto, kFlatbed, kFeeder, kFeederDuplex };
+
+struct ScanWish {
+  unsigned resolutionDpi = 300;
+  std::optional<orvalle_scan_api::COLORTYPE> mode;  // unset: color where the device offers it, else its best
+  Source source = Source::kAuto;
+  bool duplex = false;  // also set by kFeederDuplex
+  bool bindShortEdge = false;
+  Paper paper;
+  bool paperIsAuto = false;    // the device detects the size
+  bool paperIsWished = false;  // the user named it; the default paper is never refused
+  // The part of the paper to scan; an unset size reaches to the paper's edge.
+  std::optional<double> leftMm;
+  std::optional<double> topMm;
+  std::optional<double> widthMm;
+  std::optional<double> heightMm;
+  int brightness = 0;
+  int contrast = 0;
+  std::optional<unsigned> threshold;
+  int pages = 0;  // 0 for all
+
+  bool hasArea() const { return leftMm || topMm || widthMm || heightMm; }
+};
+
+// The usual spellings are accepted in any case, with blanks, hyphens or underscores. Nothing for an unknown one.
+std::optional<orvalle_scan_api::COLORTYPE> findMode(std::string_view name);
+std::optional<Source> findSource(std::string_view name);
+
+// "color", "gray", "mono", "dither", "auto".
+const char* modeName(orvalle_scan_api::COLORTYPE mode);
+
+}  // namespace qsscan

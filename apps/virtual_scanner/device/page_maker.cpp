@@ -1,0 +1,120 @@
+#include "device/page_maker.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "image/encode_jpeg.h"
+#include "image/resample.h"
+#include "image/tone.h"
+#include "support/failure.h"
+
+namespace vscan {
+namespace {
+
+// One axis of a sheet at the granted resolution. What does not fit on the device is not drawn: such a sheet lies
+// against the left or the top edge, so that it is its beginning that stays.
+struct Axis {
+  int targetPx = 0;
+  double spanPx = 0;  // of the sheet's own pixels
+};
+
+Axis axisAt(int sheetPx, double sheetDpi, int dpi, int maximumPx) {
+  const double wholePx = std::max(1.0, std::round(sheetPx * dpi / sheetDpi));
+  const int targetPx = static_cast<int>(std::min<double>(wholePx, maximumPx));
+  return {targetPx, sheetPx * (targetPx / wholePx)};
+}
+
+// The sheet's pixels at the granted resolution; a bed or a back with nothing on it is white all over.
+Raster pixelsOf(const GrantedScan& scan, const PageSource& source) {
+  const Face& measured = source.face.file ? source.face : source.sizeFrom;
+  if (!measured.file) return Raster(scan.maximum.widthPx, scan.maximum.heightPx, 1, 255);
+  Sheet sheet = measured.file->load(measured.page, scan.dpiX, scan.dpiY);
+  const Axis x = axisAt(sheet.pixels.widthPx, sheet.dpiX, scan.dpiX, scan.maximum.widthPx);
+  const Axis y = axisAt(sheet.pixels.heightPx, sheet.dpiY, scan.dpiY, scan.maximum.heightPx);
+  if (!source.face.file) return Raster(x.targetPx, y.targetPx, 1, 255);
+  if (x.targetPx == sheet.pixels.widthPx && y.targetPx == sheet.pixels.heightPx) return std::move(sheet.pixels);
+  return resample(sheet.pixels, {x.spanPx, y.spanPx}, x.targetPx, y.targetPx);
+}
+
+PageColor colorOf(const ScanSettings& settings) {
+  switch (settings.color) {
+    case ColorMode::Text:
+    case ColorMode::ErrorDiffusion:
+      return PageColor::Mono;
+    case ColorMode::Grey:
+      return PageColor::Grey;
+    case ColorMode::Palette:
+    case ColorMode::Color:
+    case ColorMode::Automatic:
+      break;
+  }
+  return PageColor::Color;
+}
+
+void encode(const GrantedScan& scan, Raster pixels, const PageOptions& options, Page& page) {
+  const ScanSettings& settings = scan.settings;
+  page.color = colorOf(settings);
+  page.compression = settings.compression;
+  if (settings.compression == Compression::Jpeg) {
+    if (page.color == PageColor::Color && settings.jpegSampling == JpegSampling::Grey) page.color = PageColor::Grey;
+    pixels = page.color == PageColor::Grey ? toGrey(std::move(pixels)) : toColor(std::move(pixels));
+    page.data = encodeJpeg(pixels, jpegQuality(static_cast<int>(settings.jpegRate)), settings.jpegSampling, scan.dpiX,
+                           scan.dpiY);
+    return;
+  }
+  if (options.rawLines) page.compression = Compression::None;
+  if (page.color == PageColor::Color) {
+    pixels = toColor(std::move(pixels));
+    page.lineBytes = pixels.lineBytes();
+    page.data = std::move(pixels.pixels);
+    return;
+  }
+  pixels = toGrey(std::move(pixels));
+  if (page.color == PageColor::Grey) {
+    page.lineBytes = pixels.lineBytes();
+    page.data = std::move(pixels.pixels);
+    return;
+  }
+  page.lineBytes = (pixels.lineBytes() + 7) / 8;
+  page.data = settings.color == ColorMode::Text ? threshold(pixels, scan.threshold) : diffuseError(pixels);
+}
+
+}  // namespace
+
+Raster drawArea(const Raster& sheet, const Rect& sheetRect, const Rect& area) {
+  Raster drawn(area.widthPx(), area.heightPx(), sheet.channels, 255);
+  const int left = std::max(area.left, sheetRect.left);
+  const int right = std::min(area.right, sheetRect.right);
+  if (left >= right) return drawn;
+  const auto channels = static_cast<std::size_t>(sheet.channels);
+  const std::size_t bytes = static_cast<std::size_t>(right - left) * channels;
+  for (int y = std::max(area.top, sheetRect.top); y < std::min(area.bottom, sheetRect.bottom); ++y) {
+    std::memcpy(drawn.line(y - area.top) + static_cast<std::size_t>(left - area.left) * channels,
+                sheet.line(y - sheetRect.top) + static_cast<std::size_t>(left - sheetRect.left) * channels, bytes);
+  }
+  return drawn;
+}
+
+Page makePage(const Profile& profile, const GrantedScan& scan, const StartSettings& start, const PageSource& source,
+              const PageOptions& options) {
+  Raster sheet = pixelsOf(scan, source);
+  const Rect sheetRect = placeSheet(profile, scan.path, {sheet.widthPx, sheet.heightPx}, scan.maximum);
+  const Rect area = scannedArea(start.areaKind, start.area, sheetRect, scan.maximum);
+  checkSheetSize("the area to be scanned", area.widthPx(), area.heightPx());
+
+  Page page;
+  page.widthPx = area.widthPx();
+  page.heightPx = area.heightPx();
+  page.tellsSize = start.areaKind != AreaKind::Normal;
+  Raster pixels = area == sheetRect ? std::move(sheet) : drawArea(sheet, sheetRect, area);
+  if (scan.settings.blankRemoval.isOn && isBlank(pixels)) {
+    page.isBlank = true;
+    return page;
+  }
+  adjustTone(pixels, static_cast<int>(scan.settings.brightness), static_cast<int>(scan.settings.contrast));
+  encode(scan, std::move(pixels), options, page);
+  return page;
+}
+
+}  // namespace vscan

@@ -1,0 +1,59 @@
+#include "device/placement.h"
+
+#include <algorithm>
+
+namespace vscan {
+namespace {
+
+constexpr std::int64_t kTenthsOfMmPerInch = 254;
+
+int toPixels(std::int64_t tenthsOfMm, int dpi) { return static_cast<int>(tenthsOfMm * dpi / kTenthsOfMmPerInch); }
+
+// The paper position of the capability answer: 1 against the left or top edge, 2 in the middle, 3 against the other.
+int offsetOf(std::int64_t position, int sheetPx, int maximumPx) {
+  const int room = std::max(0, maximumPx - sheetPx);
+  return position == 3 ? room : position == 2 ? room / 2 : 0;
+}
+
+std::int64_t wrapped(std::int64_t number) { return static_cast<std::int32_t>(static_cast<std::uint32_t>(number)); }
+
+int cut(std::int64_t value, int low, int high) {
+  return static_cast<int>(std::clamp<std::int64_t>(value, low, std::max(low, high)));
+}
+
+}  // namespace
+
+Size maxArea(const Profile& profile, Path path, bool longPaper, int dpiX, int dpiY) {
+  const Capability& device = profile.capability;
+  const std::size_t place = 2 * static_cast<std::size_t>(path);
+  std::int64_t length = device.at("scanSizeMax", place + 1);
+  if (longPaper && path != Path::Flatbed) {
+    length = std::max(length, device.at(path == Path::FeederBothSides ? "longPaperDuplex" : "longPaperSimplex"));
+  }
+  return {std::max(1, toPixels(device.at("scanSizeMax", place), dpiX)), std::max(1, toPixels(length, dpiY))};
+}
+
+Rect placeSheet(const Profile& profile, Path path, Size sheet, Size maximum) {
+  const std::size_t place = path == Path::Flatbed ? 0 : 2;
+  const int left = offsetOf(profile.capability.at("paperPosition", place), sheet.widthPx, maximum.widthPx);
+  const int top = offsetOf(profile.capability.at("paperPosition", place + 1), sheet.heightPx, maximum.heightPx);
+  return {left, top, left + sheet.widthPx, top + sheet.heightPx};
+}
+
+Rect scannedArea(AreaKind kind, const std::array<std::int64_t, 4>& numbers, Rect sheet, Size maximum) {
+  sheet.right = std::min(sheet.right, maximum.widthPx);
+  sheet.bottom = std::min(sheet.bottom, maximum.heightPx);
+  if (kind != AreaKind::Normal) return sheet;
+  const auto [left, top, right, bottom] = numbers;
+  Rect area{cut(wrapped(left), 0, maximum.widthPx - 1), cut(wrapped(top), 0, maximum.heightPx - 1), 0, 0};
+  if (wrapped(right) > area.left) {
+    area.right = cut(wrapped(right), area.left + 1, maximum.widthPx);
+  } else {
+    area.left = sheet.left;
+    area.right = sheet.right;
+  }
+  area.bottom = cut(wrapped(bottom) > area.top ? wrapped(bottom) : sheet.bottom, area.top + 1, maximum.heightPx);
+  return area;
+}
+
+}  // namespace vscan

@@ -1,0 +1,44 @@
+// Where a sheet lies on the device and which pixels of the device a scan covers. All in pixels at the granted
+// resolution, counted from the left and the top of the largest area of the source.
+// Threads: reentrant.
+#pragma once
+#include <array>
+#include <cstdint>
+#include <optional>
+
+#include "device/profile.h"
+#include "protocol/scan_settings.h"
+
+namespace vscan {
+
+struct Size {
+  int widthPx = 0;
+  int heightPx = 0;
+  bool operator==(const Size&) const = default;
+};
+
+struct Rect {
+  int left = 0;
+  int top = 0;
+  int right = 0;  // the first pixel outside
+  int bottom = 0;
+  int widthPx() const { return right - left; }
+  int heightPx() const { return bottom - top; }
+  bool operator==(const Rect&) const = default;
+};
+
+// The three geometries of a device, in the order in which the capability answer names them.
+enum class Path { Flatbed, FeederOneSide, FeederBothSides };
+
+// The largest area of a path at a resolution; a long-paper scan in the feeder reaches further down.
+Size maxArea(const Profile& profile, Path path, bool longPaper, int dpiX, int dpiY);
+
+// A sheet of that size at the paper position of the profile: against an edge or in the middle.
+Rect placeSheet(const Profile& profile, Path path, Size sheet, Size maximum);
+
+// What of the device is scanned. Automatic kinds cover the sheet itself. The numbers of a start command are taken as
+// 32 bits that may have wrapped below 0, and are cut to the largest area; a width or a height that is then nothing or
+// less is left open by the host and becomes that of the sheet.
+Rect scannedArea(AreaKind kind, const std::array<std::int64_t, 4>& numbers, Rect sheet, Size maximum);
+
+}  // namespace vscan

@@ -1,0 +1,64 @@
+// One scan, from the accepted start command to the end of its image stream:
+//   1. check that there is paper
+//   2. per page: make the next page on a thread of its own while the records of this one go out
+//   3. all pages ended, or the record that tells why not
+//   4. eject
+// Threads: used by the thread that serves the connection.
+#pragma once
+#include <cstdint>
+#include <future>
+#include <string>
+#include <vector>
+
+#include "device/device.h"
+#include "net/connection.h"
+
+namespace vscan {
+
+class ScanRun {
+ public:
+  ScanRun(Device& device, Connection& connection, Log& log, const GrantedScan& scan, const StartSettings& start);
+
+  // Returns when the stream has ended or the connection has; connection.isOpen() tells the latter.
+  void run();
+
+ private:
+  enum class Outcome { Going, Finished, Ended, Lost };
+
+  // One page as it will come: whose face it is and which sheet it belongs to.
+  struct Plan {
+    PageSource source;
+    std::size_t sheet = 0;
+  };
+
+  void planPages();
+  std::future<Page> startMaking(std::size_t index) const;
+  Outcome sendPages();
+  Outcome sendPage(std::uint16_t number, const Page& page);
+  Outcome sendRecord(const Bytes& record, int linesBefore, int linesAfter);
+  Outcome strike(const Fault& fault);
+  Outcome flush();
+  Outcome heedCommands();
+  Outcome endWith(const Bytes& record, Outcome outcome);
+  Outcome fail(std::uint8_t deviceError, const std::string& why);
+  void eject();
+
+  Device& device_;
+  Connection& connection_;
+  Log& log_;
+  const GrantedScan scan_;
+  const StartSettings start_;
+
+  std::vector<FedSheet> sheets_;
+  std::vector<Plan> plans_;
+  std::size_t currentPlan_ = 0;
+  Ejection ejection_ = Ejection::NotSaid;
+
+  // The page that is going out.
+  Connection::Clock::time_point nextPageMayEnd_{};
+  const Fault* fault_ = nullptr;
+  std::int64_t pageBytes_ = 0;
+  Bytes buffer_;
+};
+
+}  // namespace vscan

@@ -1,0 +1,49 @@
+#include "sheets/sheet_file.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <string_view>
+
+#include "support/failure.h"
+
+namespace vscan {
+namespace {
+
+struct Kind {
+  std::string_view firstBytes;
+  std::shared_ptr<const SheetFile> (*open)(const std::string& path);
+};
+
+using namespace std::string_view_literals;
+
+constexpr Kind kKinds[] = {
+    {"\x89PNG\r\n\x1A\n"sv, openPng},    {"\xFF\xD8\xFF"sv, openJpeg}, {"II*\0"sv, openTiff}, {"MM\0*"sv, openTiff},
+    {"II+\0"sv, openTiff} /* BigTIFF */, {"MM\0+"sv, openTiff},        {"%PDF-"sv, openPdf},
+};
+
+}  // namespace
+
+void checkSheetSize(const std::string& path, std::int64_t widthPx, std::int64_t heightPx) {
+  if (widthPx < 1 || heightPx < 1) throw Failure(path + " has no pixels");
+  if (heightPx > kMaxSheetPixels / widthPx) {
+    throw Failure(path + " has " + std::to_string(widthPx) + " x " + std::to_string(heightPx) +
+                  " pixels, more than a sheet can have");
+  }
+}
+
+std::shared_ptr<const SheetFile> openSheetFile(const std::string& path) {
+  errno = 0;
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw Failure("cannot open " + path + ": " + std::strerror(errno == 0 ? EIO : errno));
+  std::array<char, 8> head{};
+  file.read(head.data(), head.size());
+  const std::string_view firstBytes(head.data(), static_cast<std::size_t>(file.gcount()));
+  for (const Kind& kind : kKinds) {
+    if (firstBytes.starts_with(kind.firstBytes)) return kind.open(path);
+  }
+  throw Failure(path + " is neither PNG, JPEG, TIFF nor PDF");
+}
+
+}  // namespace vscan

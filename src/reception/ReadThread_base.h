@@ -1,0 +1,112 @@
+// The read thread of a scan.
+//
+// One thread reads the device into one large buffer, hands the bytes to the dispatcher of the generation, drives the
+// decode manager, watches for an abort, and answers two questions of the caller's thread: the state of page n, and page
+// n itself. It owns the pages of the scan.
+//
+// The loop has no sleep of its own: after the device has closed it runs on the decode manager until End. It reads no
+// further while too many pages wait in memory; the device is not told, it simply is not read.
+//
+// After a failure or a cancellation every page number is answered in bounded time: a finished page as it is, a page
+// that a stage still has once it is finished, every other with the failure or the cancellation.
+//
+// Threads: Start, Abort, GetReadStatus, GetScanData, FreeScanData, GetColorProfile and End are the caller's; everything
+// else runs on the read thread.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "image/DecodeManage.h"
+#include "reception/IReadThread.h"
+#include "reception/ImageData.h"
+
+namespace orvalle_scan_api {
+
+class CReadThread_base : public IReadThread {
+ public:
+  ~CReadThread_base() override;
+
+  //   0x70401009, 0x70401002  null argument     0x10401001  the thread could not be started
+  //   or the code of the image module that could not be loaded
+  QSRSLT Start(QS_SCANNER_PARAMETERS user, IScanCmd* command, IDeviceAccess* device, CScanError* error,
+               QS_SCANNER_CAPABILITY capability) override;
+  void Abort() override;
+  SCANAPISTATUS GetReadStatus(unsigned int pageNo) override;
+  CImageData* GetScanData(unsigned int pageNo, bool* canceled, unsigned int* result) override;
+  void FreeScanData(unsigned int pageNo) override;
+
+ protected:
+  // What each generation provides, beside GetColorProfile.
+  // Tells the device to send and fills m_deviceParam. Non-zero ends the scan.
+  virtual QSRSLT StartScan() = 0;
+  // Consumes whole records; *escape becomes a new array of the bytes that it could not use yet, null if there are none.
+  // Records every failure itself.
+  virtual QSRSLT DispatchReceivedData(unsigned char* bytes, unsigned int size, unsigned char** escape,
+                                      unsigned int* escapeSize) = 0;
+  virtual QSRSLT ConvertDeviceErrorToQSRSLT(unsigned short deviceError) = 0;
+
+  // Kept: the unit is milliseconds in spite of the name. 0 or less keeps the old value.
+  void SetScanTimeOutSec(long milliseconds);
+  // A copy in a new array; null when out of memory.
+  static unsigned char* SaveDataToEscapeBuffer(const unsigned char* data, unsigned int size);
+  // Removes the pages numbered firstPage or higher, the last first; 0 and 1 remove all.
+  void ClearImageDataFromArray(unsigned int firstPage);
+  // Ends and empties every page that has data, is not finished and was not handed over; *found tells whether there was
+  // one. Does nothing for null.
+  void TerminateDataReadProcess(bool* found);
+  // Pages that hold memory and that the caller has not freed.
+  unsigned int GetCountOfNotXferedImageData();
+  bool IsImageDataWritableCondition();
+  // Waits until fewer pages are held. 0, or the code that ends the wait.
+  QSRSLT WaitForImageDataWritableCondition();
+
+  // The page, or null. Read thread.
+  CImageData* pageAt(unsigned int pageNo) const;
+  unsigned int pageCount() const { return static_cast<unsigned>(m_imageDataArray.size()); }
+  void appendPage(std::unique_ptr<CImageData> page);
+  // The lowest page whose end has not come.
+  unsigned int lowestOpenPage() const;
+
+  // Set before the thread starts, or by StartScan before any page exists.
+  QS_SCANNER_PARAMETERS m_userParam{};    // StartScan puts the adjusted settings here
+  QS_SCANNER_PARAMETERS m_deviceParam{};  // what the device will send
+  QS_SCANNER_CAPABILITY m_capability{};
+  IDeviceAccess* m_pDevAcs = nullptr;  // not owned
+  IScanCmd* m_pScanCmd = nullptr;      // not owned
+  CScanError* m_pScanError = nullptr;  // not owned
+
+  // Read thread only.
+  CDecodeManage m_decodeManage;
+
+ private:
+  void ThreadProc() override;
+  void runScan();
+  void readLoop(unsigned char* buffer);
+  int readDevice(unsigned char* buffer, unsigned int room);
+  bool dispatch(unsigned char* buffer, unsigned int& carry);
+  bool IsDeviceReadableCondition();
+  void DeviceAccessInterfaceErrorProcess(QSRSLT code);
+  QSRSLT AbortScanProc();
+  void AbortTimeoutProcess();
+  SCANCMD_EJECTION_TYPE ejectionType() const;
+  QSRSLT GetQSRSLTCode(const SCANSTATUS& status, bool* canceled);
+  bool isDelivered(unsigned int pageNo, CImageData*& page, bool& pending);
+
+  // Guarded by m_arrayMutex against the caller's thread; changed by the read thread only, which reads without it.
+  std::vector<std::unique_ptr<CImageData>> m_imageDataArray;  // page number minus 1
+  mutable std::mutex m_arrayMutex;
+  std::size_t m_firstHeldPage = 0;  // read thread only: every page before it is done with and empty
+
+  std::mutex m_abortMutex;
+  bool m_abortTrigger = false;  // guarded by m_abortMutex
+  bool m_abortSent = false;     // guarded by m_abortMutex
+  long m_abortClock = 0;        // guarded by m_abortMutex; 0 while no abort is pending
+
+  std::atomic<bool> m_loopEnded{false};  // no page moves any more
+  long m_receiveTimeOut = 90000;         // ms; read thread only
+};
+
+}  // namespace orvalle_scan_api

@@ -1,0 +1,26 @@
+#include "reception/device_errors_v2.h"
+
+namespace orvalle_scan_api {
+namespace {
+
+constexpr struct {
+  unsigned int deviceError;
+  QSRSLT result;
+} kDeviceErrors[] = {
+    {0x84, 0x50000007}, {0x86, 0x50000016}, {0x90, 0x50000001}, {0x91, 0x50000002}, {0x92, 0x50000006},
+    {0x93, 0x50000010}, {0x94, 0x5000000D}, {0x95, 0x50000013}, {0x96, 0x50000014}, {0x97, 0x50000015},
+    {0xA0, 0x50000003}, {0xA1, 0x50000008}, {0xA2, 0x50000008}, {0xA3, 0x5000000E}, {0xA4, 0x50000009},
+    {0xA5, 0x5000000A}, {0xA6, 0x5000000B}, {0xA7, 0x5000000C}, {0xA8, 0x50000011}, {0xA9, 0x50000012},
+    {0xB0, 0x50000004}, {0xB1, 0x50000005}, {0xB2, 0x5000000F},
+};
+
+}  // namespace
+
+QSRSLT deviceErrorResult_v2(unsigned int deviceError) {
+  for (const auto& row : kDeviceErrors) {
+    if (row.deviceError == deviceError) return row.result;
+  }
+  return QSRSLT_DEVICE_ERROR_OTHER;
+}
+
+}  // namespace orvalle_scan_api
