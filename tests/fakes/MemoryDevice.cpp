@@ -56,6 +56,11 @@ void MemoryDevice::failCall(int n, bool isGone) {
   failingCallIsGone_ = isGone;
 }
 
+void MemoryDevice::refuseAborts(bool refuse) {
+  const std::lock_guard lock(mutex_);
+  refusesAborts_ = refuse;
+}
+
 int MemoryDevice::calls() const {
   const std::lock_guard lock(mutex_);
   return calls_;
@@ -100,6 +105,16 @@ std::string MemoryDevice::openedName() const {
 bool MemoryDevice::waitUntilQuiet() {
   std::unique_lock lock(mutex_);
   return changed_.wait_for(lock, 10s, [&] { return quietSeen_; });
+}
+
+bool MemoryDevice::isQuiet() const {
+  const std::lock_guard lock(mutex_);
+  return quietSeen_;
+}
+
+bool MemoryDevice::wroteAbort() const {
+  const std::lock_guard lock(mutex_);
+  return abortSeen_;
 }
 
 bool MemoryDevice::waitForMnemonic(const std::string& mnemonic) {
@@ -157,9 +172,11 @@ int MemoryDevice::Write(const void* data, int size, int) {
   frames_.push_back(frame);
   if (mnemonic == "XSC") {
     streaming_ = true;
-    quietSeen_ = false;
+    quietSeen_ = abortSeen_ = false;
     stream_.assign(script_.begin(), script_.end());
   } else if (mnemonic == "ABT") {
+    abortSeen_ = true;
+    if (refusesAborts_) return fail(kFailure);
     if (!abortAnswer_.empty()) stream_ = {MemoryDevice::data(abortAnswer_)};
   } else if (const auto found = answers_.find(mnemonic); found != answers_.end()) {
     pending_ = found->second;
