@@ -76,6 +76,16 @@ int MemoryDevice::closes() const {
   return closes_;
 }
 
+long MemoryDevice::lastTimeOutMs() const {
+  const std::lock_guard lock(mutex_);
+  return lastTimeOutMs_;
+}
+
+std::vector<unsigned> MemoryDevice::askedSizes() const {
+  const std::lock_guard lock(mutex_);
+  return askedSizes_;
+}
+
 std::vector<std::string> MemoryDevice::frames() const {
   const std::lock_guard lock(mutex_);
   return frames_;
@@ -130,6 +140,7 @@ void MemoryDevice::forgetCalls() {
   calls_ = reads_ = closes_ = 0;
   quietSeen_ = false;
   frames_.clear();
+  askedSizes_.clear();
 }
 
 void MemoryDevice::SetClientId(const char* id) {
@@ -173,6 +184,7 @@ int MemoryDevice::Write(const void* data, int size, int) {
   if (mnemonic == "XSC") {
     streaming_ = true;
     quietSeen_ = abortSeen_ = false;
+    askedSizes_.clear();
     stream_.assign(script_.begin(), script_.end());
   } else if (mnemonic == "ABT") {
     abortSeen_ = true;
@@ -189,6 +201,7 @@ int MemoryDevice::Write(const void* data, int size, int) {
 int MemoryDevice::Read(void* buffer, unsigned int size, unsigned int, long timeOutMs) {
   std::unique_lock lock(mutex_);
   if (timeOutMs != 0) ++reads_;
+  lastTimeOutMs_ = timeOutMs;
   if (failsNow()) return fail(kFailure);
   if (!open_) return fail(kFailure);
   if (streaming_) return readStream(buffer, size, lock);
@@ -200,6 +213,7 @@ int MemoryDevice::Read(void* buffer, unsigned int size, unsigned int, long timeO
 }
 
 int MemoryDevice::readStream(void* buffer, unsigned int size, std::unique_lock<std::mutex>& lock) {
+  if (askedSizes_.size() < 1000) askedSizes_.push_back(size);
   const Part::Kind kind = stream_.empty() ? Part::QuietForEver : stream_.front().kind;
   if (kind == Part::Data) {
     ByteString& bytes = stream_.front().bytes;

@@ -76,6 +76,8 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   int calls() const;
   int reads() const;
   int closes() const;
+  long lastTimeOutMs() const;                  // of the last read
+  std::vector<unsigned> askedSizes() const;    // of the reads of the stream
   std::vector<std::string> frames() const;     // without the leading 1B and the trailing 80
   std::vector<std::string> mnemonics() const;  // of the frames, in order
   std::string clientId() const;
@@ -121,6 +123,8 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   int calls_ = 0;
   int reads_ = 0;
   int closes_ = 0;
+  long lastTimeOutMs_ = 0;
+  std::vector<unsigned> askedSizes_;
   int failingCall_ = 0;
   bool failingCallIsGone_ = false;
   bool refusesAborts_ = false;
