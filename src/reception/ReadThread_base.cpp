@@ -220,7 +220,7 @@ SCANAPISTATUS CReadThread_base::GetReadStatus(unsigned int pageNo) {
   const SCANSTATUS s = m_pScanError->Get();
   const bool failed = s.status != 0 || s.deviceErr != 0;
   const bool over = failed || s.canceled || m_loopEnded;
-  if (s.canceled && s.cancelPageNo != 0 && pageNo >= s.cancelPageNo) {
+  if (s.cancelPageNo == pageNo || (s.canceled && s.cancelPageNo != 0 && pageNo >= s.cancelPageNo)) {
     return answer(XFERCANCELED, "cancel return XFERCANCELED");
   }
   if (m_pScanError->IsConnectionErr()) return answer(XFERREADY, "connection error return XFERREADY");

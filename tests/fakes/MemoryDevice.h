@@ -68,12 +68,16 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   void blockInSilence(int waitMs) { silenceMs_ = waitMs; }
   // The n-th counted call (Open, Read, Write, from 1) fails, and the device is gone afterwards if isGone. 0: none.
   void failCall(int n, bool isGone = false);
+  // Writing ABT fails, with the frame noted.
+  void refuseAborts(bool refuse);
   void refuseToOpen(bool refuse) { refusesToOpen_ = refuse; }
 
   // What happened.
   int calls() const;
   int reads() const;
   int closes() const;
+  long lastTimeOutMs() const;                  // of the last read
+  std::vector<unsigned> askedSizes() const;    // of the reads of the stream
   std::vector<std::string> frames() const;     // without the leading 1B and the trailing 80
   std::vector<std::string> mnemonics() const;  // of the frames, in order
   std::string clientId() const;
@@ -81,6 +85,8 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   std::string openedName() const;
   // Waits until a read of the stream has found nothing; false after ten seconds.
   bool waitUntilQuiet();
+  bool isQuiet() const;     // a read of the stream has found nothing since XSC
+  bool wroteAbort() const;  // ABT came since XSC
   bool waitForMnemonic(const std::string& mnemonic);
   void forgetCalls();
 
@@ -111,13 +117,17 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   bool open_ = false;
   bool streaming_ = false;
   bool quietSeen_ = false;
+  bool abortSeen_ = false;
   ByteString pending_;  // an answer that waits to be read
   std::deque<Part> stream_;
   int calls_ = 0;
   int reads_ = 0;
   int closes_ = 0;
+  long lastTimeOutMs_ = 0;
+  std::vector<unsigned> askedSizes_;
   int failingCall_ = 0;
   bool failingCallIsGone_ = false;
+  bool refusesAborts_ = false;
   std::vector<std::string> frames_;
   std::string clientId_;
   orvalle_scan_api::_DEV_IDENTIFIER opened_{};
