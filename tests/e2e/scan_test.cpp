@@ -1,5 +1,6 @@
 #include "scan_test.h"
 
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -61,6 +62,13 @@ std::vector<std::string> VirtualScanner::commands() const {
   return frames;
 }
 
+bool VirtualScanner::wasTold(const std::string& line) const {
+  for (const std::string& frame : commands()) {
+    if (frame.find("\n" + line + "\n") != std::string::npos) return true;
+  }
+  return false;
+}
+
 std::string ScanTest::sheet(const std::string& name, const Picture& picture) const {
   writePng(file(name), picture);
   return file(name);
@@ -95,7 +103,9 @@ Finished ScanTest::qsscan(const Arguments& arguments) const { return finish(*sta
 
 std::string paperOf(int widthPx, int heightPx, int dpi) {
   char text[64];
-  std::snprintf(text, sizeof text, "%.2fx%.2f", widthPx * 25.4 / dpi, heightPx * 25.4 / dpi);
+  // Rounded up to the hundredths of a millimetre that a size is told in: a broken pixel is left out later.
+  const auto mm = [dpi](int px) { return std::ceil(px * 2540.0 / dpi) / 100; };
+  std::snprintf(text, sizeof text, "%.2fx%.2f", mm(widthPx), mm(heightPx));
   return text;
 }
 

@@ -34,6 +34,8 @@ class VirtualScanner {
   std::string log() const { return contentOf(process_->errPath()); }
   // The commands it has got, as text, one frame each.
   std::vector<std::string> commands() const;
+  // Whether a command held this line, such as COMP=JPEG.
+  bool wasTold(const std::string& line) const;
 
  private:
   std::unique_ptr<Process> process_;

@@ -7,8 +7,8 @@
 namespace e2e {
 namespace {
 
-constexpr std::uint8_t kInk = 20;
-constexpr std::uint8_t kEdge = 140;
+constexpr std::uint8_t kInk = 60;
+constexpr std::uint8_t kEdge = 150;
 
 int between(std::mt19937& random, int low, int high) {
   return low + static_cast<int>(random() % static_cast<unsigned>(high - low + 1));
@@ -99,7 +99,7 @@ Picture drawColor(int widthPx, int heightPx, double dpi, unsigned seed) {
   for (int y = 0; y < heightPx; ++y) {
     std::uint8_t* line = picture.at(0, y);
     for (std::size_t i = 0; i < across.size(); ++i) {
-      line[i] = static_cast<std::uint8_t>(165 + 45 * across[i] + 45 * down[3 * static_cast<std::size_t>(y) + i % 3]);
+      line[i] = static_cast<std::uint8_t>(190 + 30 * across[i] + 30 * down[3 * static_cast<std::size_t>(y) + i % 3]);
     }
   }
   drawWords(picture, seed);
