@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -71,59 +72,71 @@ class FakeDeviceAccess : public IDeviceAccess {
   CallList& calls_;
 };
 
+// Every call is noted as "command.<operation> [argument]"; results holds what an operation answers instead of 0.
 class FakeScanCommand : public IScanCmd {
  public:
   explicit FakeScanCommand(CallList& calls) : calls_(calls) {}
   ~FakeScanCommand() override { calls_.add("command.delete"); }
 
+  std::map<std::string, QSRSLT> results;
   bool versionAccepted = true;
   bool connected = true;
-  QSRSLT documentResult = 0;
-  QSRSLT pushResult = 0;
   _SCANCMD_RESPONSE_INFO pushAnswer{};
-  QSRSLT capabilityResult = 0;
+  _SCANCMD_RESPONSE_INFO scanParameterAnswer{};
+  _SCANCMD_RESPONSE_INFO profileAnswer{};
   _SCANCMD_DEVICECAP_INFO capabilityAnswer{};
-  QSRSLT abortResult = 0;
+  std::vector<_SCANCMD_SCANPARAM> scanParams;  // as SetScanParam was given them
   std::function<void()> onAbort = [] {};
 
   bool SelectCommandVersion(SCANCMD_GENERATION generation) override {
-    calls_.add("command.SelectCommandVersion " + std::to_string(generation));
+    note("SelectCommandVersion", generation);
     return versionAccepted;
   }
   bool GetConnectionStatus() override {
-    calls_.add("command.GetConnectionStatus");
+    note("GetConnectionStatus");
     return connected;
   }
-  QSRSLT SetScanParam(_SCANCMD_SCANPARAM*) override { return note("SetScanParam", 0); }
+  QSRSLT SetScanParam(_SCANCMD_SCANPARAM* param) override {
+    if (param != nullptr) scanParams.push_back(*param);
+    return note("SetScanParam");
+  }
   QSRSLT QueryDeviceCapability(_SCANCMD_DEVICECAP_INFO* info, bool query) override {
     *info = capabilityAnswer;
-    return note(query ? "QueryDeviceCapability" : "QueryDeviceCapability cached", capabilityResult);
+    return note("QueryDeviceCapability", query);
   }
-  QSRSLT CheckDocument(SCANCMD_PAPERSOURCE_TYPE source) override {
-    return note("CheckDocument " + std::to_string(source), documentResult);
-  }
-  QSRSLT SelectPaperSource(SCANCMD_PAPERSOURCE_TYPE) override { return note("SelectPaperSource", 0); }
+  QSRSLT CheckDocument(SCANCMD_PAPERSOURCE_TYPE source) override { return note("CheckDocument", source); }
+  QSRSLT SelectPaperSource(SCANCMD_PAPERSOURCE_TYPE source) override { return note("SelectPaperSource", source); }
   QSRSLT GetPushScanParameter(_SCANCMD_RESPONSE_INFO* response) override {
     *response = pushAnswer;
-    return note("GetPushScanParameter", pushResult);
+    return note("GetPushScanParameter");
   }
-  QSRSLT QueryDeviceScanParameter(_SCANCMD_RESPONSE_INFO*) override { return note("QueryDeviceScanParameter", 0); }
-  QSRSLT GetPaletteTable(_SCANCMD_RESPONSE_INFO*) override { return note("GetPaletteTable", 0); }
-  QSRSLT GetColorProfile(_SCANCMD_RESPONSE_INFO*) override { return note("GetColorProfile", 0); }
-  QSRSLT GetDocumentSizeOnPaperSource(_SCANCMD_RESPONSE_INFO*) override {
-    return note("GetDocumentSizeOnPaperSource", 0);
+  QSRSLT QueryDeviceScanParameter(_SCANCMD_RESPONSE_INFO* response) override {
+    *response = scanParameterAnswer;
+    return note("QueryDeviceScanParameter");
   }
-  QSRSLT StartScanning() override { return note("StartScanning", 0); }
+  QSRSLT GetPaletteTable(_SCANCMD_RESPONSE_INFO*) override { return note("GetPaletteTable"); }
+  QSRSLT GetColorProfile(_SCANCMD_RESPONSE_INFO* response) override {
+    *response = profileAnswer;
+    return note("GetColorProfile");
+  }
+  QSRSLT GetDocumentSizeOnPaperSource(_SCANCMD_RESPONSE_INFO*) override { return note("GetDocumentSizeOnPaperSource"); }
+  QSRSLT StartScanning() override { return note("StartScanning"); }
   QSRSLT AbortScanning(SCANCMD_EJECTION_TYPE ejection) override {
-    const QSRSLT result = note("AbortScanning " + std::to_string(ejection), abortResult);
+    const QSRSLT result = note("AbortScanning", ejection);
     onAbort();
     return result;
   }
 
  private:
-  QSRSLT note(const std::string& call, QSRSLT result) {
-    calls_.add("command." + call);
-    return result;
+  QSRSLT note(const std::string& operation) {
+    calls_.add("command." + operation);
+    const auto found = results.find(operation);
+    return found != results.end() ? found->second : 0;
+  }
+  QSRSLT note(const std::string& operation, int argument) {
+    calls_.add("command." + operation + " " + std::to_string(argument));
+    const auto found = results.find(operation);
+    return found != results.end() ? found->second : 0;
   }
 
   CallList& calls_;

@@ -50,6 +50,12 @@ MemoryDevice::MemoryDevice() {
   answer("SSP", sspAnswer(300, 300));
 }
 
+void MemoryDevice::stream(std::vector<Part> parts) {
+  const std::lock_guard lock(mutex_);
+  script_ = std::move(parts);
+  awaitedStart_ = starts_ + 1;
+}
+
 void MemoryDevice::failCall(int n, bool isGone) {
   const std::lock_guard lock(mutex_);
   failingCall_ = n;
@@ -114,12 +120,12 @@ std::string MemoryDevice::openedName() const {
 
 bool MemoryDevice::waitUntilQuiet() {
   std::unique_lock lock(mutex_);
-  return changed_.wait_for(lock, 10s, [&] { return quietSeen_; });
+  return changed_.wait_for(lock, 10s, [&] { return quietSeen_ && starts_ >= awaitedStart_; });
 }
 
 bool MemoryDevice::isQuiet() const {
   const std::lock_guard lock(mutex_);
-  return quietSeen_;
+  return quietSeen_ && starts_ >= awaitedStart_;
 }
 
 bool MemoryDevice::wroteAbort() const {
@@ -183,6 +189,7 @@ int MemoryDevice::Write(const void* data, int size, int) {
   frames_.push_back(frame);
   if (mnemonic == "XSC") {
     streaming_ = true;
+    ++starts_;
     quietSeen_ = abortSeen_ = false;
     askedSizes_.clear();
     stream_.assign(script_.begin(), script_.end());

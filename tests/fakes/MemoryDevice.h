@@ -61,8 +61,8 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
 
   // The script.
   void answer(const std::string& mnemonic, ByteString bytes) { answers_[mnemonic] = std::move(bytes); }
-  void stream(std::vector<Part> parts) { script_ = std::move(parts); }
-  void stream(const ByteString& bytes) { script_ = {data(bytes)}; }
+  void stream(std::vector<Part> parts);
+  void stream(const ByteString& bytes) { stream(std::vector<Part>{data(bytes)}); }
   void abortAnswer(ByteString bytes) { abortAnswer_ = std::move(bytes); }
   // Silence in the stream: answered at once as nothing (the default), or as a time-out after so many milliseconds.
   void blockInSilence(int waitMs) { silenceMs_ = waitMs; }
@@ -83,9 +83,9 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   std::string clientId() const;
   orvalle_scan_api::_DEV_IDENTIFIER opened() const;  // as the last Open was told; the name may be gone
   std::string openedName() const;
-  // Waits until a read of the stream has found nothing; false after ten seconds.
+  // Waits until a read of the stream that was given last has found nothing; false after ten seconds.
   bool waitUntilQuiet();
-  bool isQuiet() const;     // a read of the stream has found nothing since XSC
+  bool isQuiet() const;     // the same, asked
   bool wroteAbort() const;  // ABT came since XSC
   bool waitForMnemonic(const std::string& mnemonic);
   void forgetCalls();
@@ -106,7 +106,6 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   int readStream(void* buffer, unsigned int size, std::unique_lock<std::mutex>& lock);
 
   std::map<std::string, ByteString> answers_;
-  std::vector<Part> script_;
   ByteString abortAnswer_{0x00, 0x40};
   int silenceMs_ = -1;
   bool refusesToOpen_ = false;
@@ -116,9 +115,12 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   // Guarded by mutex_.
   bool open_ = false;
   bool streaming_ = false;
+  int starts_ = 0;        // XSC commands
+  int awaitedStart_ = 1;  // the one that serves the stream that was given last
   bool quietSeen_ = false;
   bool abortSeen_ = false;
   ByteString pending_;  // an answer that waits to be read
+  std::vector<Part> script_;
   std::deque<Part> stream_;
   int calls_ = 0;
   int reads_ = 0;

@@ -476,7 +476,7 @@ TEST(ReadThread, TakesAnAbortWithoutWaitingForTheCommandThatIsOnItsWay) {
     sending.set_value();
     sent.get_future().wait();
   };
-  bench.command.abortResult = 0x40500099;
+  bench.command.results["AbortScanning"] = 0x40500099;
   ASSERT_EQ(bench.start(), 0u);
   bench.reader.Abort();
   sending.get_future().wait();
