@@ -1,5 +1,6 @@
 #include "reception/ReadThread_v2.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "foundation/trace.h"
@@ -134,6 +135,8 @@ QSRSLT CReadThread_v2::DispatchReceivedData(unsigned char* bytes, unsigned int s
       *escapeSize = rest;
     }
   }
+  // The device is closed by then: a page that was begun behind the end of all pages gets no end of its own either.
+  if (m_pScanError->IsAllPageEnd() && !m_pScanError->IsErrorOccurred()) finishOpenPages(status);
   // The local copy may be older than what DispatchStatusCode recorded; the merge keeps the newer.
   m_pScanError->Set(status);
   return result;
@@ -259,7 +262,7 @@ bool CReadThread_v2::DispatchStatusCode(const IMAGE_HEADER& header, const PARSE_
   bool known = true;
   switch (header.dataType) {
     case kRecordAllPagesEnded:
-      finishOpenPages();
+      finishOpenPages(status);
       status.scanFinished = true;
       g_ScanDevApiLog.WriteLog(1, "Status = All Page End");
       m_pDevAcs->Close();
@@ -338,11 +341,13 @@ QSRSLT CReadThread_v2::WriteImgeDataFinishProc(unsigned int pageNo, int height) 
   return QSRSLT_SUCCESS;
 }
 
-// At the end of all pages a page that has had no end of its own has one now.
-void CReadThread_v2::finishOpenPages() {
+// At the end of all pages a page that has had no end of its own has one now. Such a page is received: a restart or a
+// stop that still lies in the buffer must not take it away again.
+void CReadThread_v2::finishOpenPages(SCANSTATUS& status) {
   for (unsigned int pageNo = 1; pageNo <= pageCount(); ++pageNo) {
     if (!pageAt(pageNo)->GetIsBlankPage()) WriteImgeDataFinishProc(pageNo, 0);
   }
+  status.lastReceivePageNo = std::max(status.lastReceivePageNo, pageCount());
 }
 
 void CReadThread_v2::SetBlankPageFlag(unsigned int pageNo) {
