@@ -70,9 +70,17 @@ QSRSLT CReadThread_v2::StartScan() {
 QSRSLT CReadThread_v2::fetchColorProfile() {
   const bool wanted = (m_userParam.wantColorProfile & 0xFF) != 0;
   if (!wanted || m_capability.imageProcFunc.colorProfileOutput != kPresent) return QSRSLT_SUCCESS;
+  // The exchange with the device goes on without the lock, so that the caller's question is answered at once.
+  ICCPROFIE fetched{};
+  setColorProfile(fetched);
+  const QSRSLT result = CScanParam().GetColorProfile(m_pScanCmd, &fetched, m_capability);
+  setColorProfile(fetched);
+  return result;
+}
+
+void CReadThread_v2::setColorProfile(const ICCPROFIE& profile) {
   const std::lock_guard<std::mutex> lock(m_iccMutex);
-  m_iccProfile = {};
-  return CScanParam().GetColorProfile(m_pScanCmd, &m_iccProfile, m_capability);
+  m_iccProfile = profile;
 }
 
 // The height that was asked for does not change while the pages arrive.
