@@ -176,7 +176,9 @@ QSRSLT CReadThread_v2::WriteDataBlockToImageDataArray(const IMAGE_HEADER& header
   if (page.IsHandedOver() || page.GetIsBlankPage()) return QSRSLT_SUCCESS;  // its end has come before
   CImageDataStore& store = *page.m_pCurrentStore;
   const bool isJpeg = compress == static_cast<std::uint32_t>(kCompressJpeg);
-  const int newHeight = isJpeg ? static_cast<int>(header.heightSoFar) : store.GetHeightPixel() + 1;
+  // Unsigned, since a size record may have set any height.
+  const auto newHeight =
+      static_cast<int>(isJpeg ? header.heightSoFar : static_cast<unsigned>(store.GetHeightPixel()) + 1);
   if (!CPaperSize().IsSupportImageSize(m_userParam.resolution.y, m_deviceParam.resolution.y,
                                        static_cast<unsigned>(newHeight), &m_userParam)) {
     page.SetPageScanIsTerminated(true);
