@@ -30,8 +30,9 @@ class CDeviceCaps final : public ICDeviceCaps {
   OPTICALRESOLUTIONS GetOpticalResolution() override;
   SUPPORTCOLORTYPES GetColorTypes() override;
   SUPPORTPAPERSOURCES GetPaperSource() override;
-  bool IsFlatbedSupported() { return GetPaperSource().flatbed != 0; }
-  bool IsAdfSupported() { return GetPaperSource().adfSimplex != 0; }
+  // These three are false, although GetPaperSource then names all three.
+  bool IsFlatbedSupported();
+  bool IsAdfSupported();
   bool IsDuplexSupport() override;
   DEVICESCANSIZES GetMaxSize() override;
   DEVICESCANSIZES GetMinSize() override;

@@ -201,6 +201,9 @@ QSRSLT CReadThread_base::AbortScanProc() {
     const std::lock_guard<std::mutex> lock(m_abortMutex);
     m_abortSent = true;
     m_abortClock = std::clock();
+  } else if (!m_pDevAcs->IsOpen() && !m_pScanError->IsAllPageEnd()) {
+    // The device was lost over the command. It is read no more, so that no read would ever tell.
+    DeviceAccessInterfaceErrorProcess(result);
   }
   return result;
 }
