@@ -259,6 +259,14 @@ TEST(ParseCmdRes_v2, TheCompletionFlagIsNotClearedAtTheStart) {
   EXPECT_FALSE(parser.gkpResponseComplete || parser.sspResponseComplete || parser.gcpResponseComplete);
 }
 
+TEST(ParseCmdRes_v2, ABodyOfOneByteIsATagCutShort) {
+  CParseCmdRes_v2 parser;
+  const Exact good(TagBody().end().bytes), cut({0xF0});
+  parser.GetQDIcommandResponse(good.bytes.get(), good.size);
+  parser.GetQDIcommandResponse(cut.bytes.get(), cut.size);
+  EXPECT_FALSE(parser.qdiResponseComplete) << "0x00F0 is a tag that nobody knows";
+}
+
 TEST(ParseCmdRes_v2, AnOverlongModelNameAddsToTheFieldsBehindIt) {
   // Two letters too many: they are added to the two bytes of 0x0201, which hold 0x80 and 1.
   BodyBytes name(130, 'x');
@@ -365,6 +373,28 @@ TEST(ParseCmdRes_v2, EachTagIsTraced) {
   parser.GetGCPcommandResponse(end.bytes.get(), end.size);
   EXPECT_EQ(log.lines, (std::vector<LogLine>{{2, "SSP Target TagID = 0xF0F0"}, {2, "GCP Target TagID = 0xF0F0"}}))
       << log.all();
+}
+
+TEST(ParseCmdRes_v2, EachOperationLogsEntryAndExit) {
+  BodyBytes end = TagBody().end().bytes;
+  const auto size = static_cast<long>(end.size());
+  CParseCmdRes_v2 parser;
+  LogCapture log;
+  parser.ParseDeviceInfoResponse(end.data(), size);
+  parser.ParseDeviceInfoResponse(nullptr, size);
+  parser.ParseActualParameterResponse(end.data(), size);
+  parser.ParsePDFaColorProfileResponse(end.data(), size);
+  parser.ParseColorPaletteResponse(end.data(), size);
+  parser.ParsePaperSizeDetectFrom2Vertex(end.data(), size, {}, {}, UNIT_PIXEL);
+  std::erase_if(log.lines, [](const LogLine& line) { return line.level == 2; });
+  std::vector<LogLine> wanted;
+  for (const std::string operation :
+       {"ParseDeviceInfoResponse", "ParseDeviceInfoResponse", "ParseActualParameterResponse",
+        "ParsePDFaColorProfileResponse", "ParseColorPaletteResponse", "ParsePaperSizeDetectFrom2Vertex"}) {
+    wanted.push_back({1, ">>>>> " + operation + " >>>>>"});
+    wanted.push_back({1, "<<<<< " + operation + " <<<<<"});
+  }
+  EXPECT_EQ(log.lines, wanted) << log.all();
 }
 
 // ---- what has no parser in this generation
