@@ -30,7 +30,6 @@ class CDeviceCaps final : public ICDeviceCaps {
   OPTICALRESOLUTIONS GetOpticalResolution() override;
   SUPPORTCOLORTYPES GetColorTypes() override;
   SUPPORTPAPERSOURCES GetPaperSource() override;
-  // These three are false, although GetPaperSource then names all three.
   bool IsFlatbedSupported();
   bool IsAdfSupported();
   bool IsDuplexSupport() override;

@@ -116,7 +116,7 @@ QSRSLT CDecodeManage::Queue(CImageProcThread_Base& stage, CImageData* page, QSRS
   if (page == nullptr) return QSRSLT_SUCCESS;
   const CScanError* const scanError = GetScanProcStatus();
   const SCANSTATUS status = scanError == nullptr ? SCANSTATUS{} : scanError->Get();
-  if (page->GetPageNo() == status.errPageNo || page->GetPageNo() == status.cancelPageNo) {
+  if (page->HasFailed() || page->GetPageNo() == status.errPageNo || page->GetPageNo() == status.cancelPageNo) {
     page->Settle();
     return QSRSLT_SUCCESS;
   }

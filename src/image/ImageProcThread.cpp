@@ -54,6 +54,7 @@ bool CImageProcThread_Base::IsPageWanted(const CScanError& scanError) const {
 }
 
 void CImageProcThread_Base::RecordPageError(CScanError& scanError, QSRSLT result) const {
+  m_pImage->SetFailed();
   SCANSTATUS status = scanError.Get();
   status.status = result;
   status.errPageNo = m_pImage->GetPageNo();

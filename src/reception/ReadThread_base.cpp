@@ -162,7 +162,9 @@ bool CReadThread_base::dispatch(unsigned char* buffer, unsigned int& carry) {
 }
 
 void CReadThread_base::recordReadFailure() {
-  if (m_readFailure == 0 || m_askedPageNo <= m_pScanError->Get().lastReceivePageNo) return;
+  if (m_readFailure == 0) return;
+  const unsigned int received = m_pScanError->Get().lastReceivePageNo;
+  if (received > 0 && m_askedPageNo <= received) return;
   DeviceAccessInterfaceErrorProcess(m_readFailure);
   m_readFailure = QSRSLT_SUCCESS;
 }
@@ -196,14 +198,16 @@ QSRSLT CReadThread_base::AbortScanProc() {
     g_ScanDevApiLog.WriteLog(1, "Abort Trigger is true");
     m_abortTrigger = false;
   }
+  // There is nothing to stop any more; the command would only open the device again.
+  if (m_pScanError->IsAllPageEnd()) return QSRSLT_SUCCESS;
   const QSRSLT result = m_pScanCmd->AbortScanning(ejectionType());
   if (result == 0) {
     const std::lock_guard<std::mutex> lock(m_abortMutex);
     m_abortSent = true;
     m_abortClock = std::clock();
-  } else if (!m_pDevAcs->IsOpen() && !m_pScanError->IsAllPageEnd()) {
+  } else if (!m_pDevAcs->IsOpen()) {
     // The device was lost over the command. It is read no more, so that no read would ever tell.
-    DeviceAccessInterfaceErrorProcess(result);
+    m_readFailure = result;
   }
   return result;
 }
@@ -395,7 +399,15 @@ QSRSLT CReadThread_base::WaitForImageDataWritableCondition() {
     AbortTimeoutProcess();
     if (m_pScanError->IsErrorOccurred() || m_pScanError->IsCanceled()) return m_pScanError->Get().status;
     if (m_end) return QSRSLT_CANCELED;
+    if (!callerCanFreePages()) return QSRSLT_NO_PAGE_MEMORY;
   }
+}
+
+// Pages go out in order: with none in memory before the first that is still open, the caller has nothing to fetch, and
+// waiting for it would never end.
+bool CReadThread_base::callerCanFreePages() const {
+  const auto open = m_imageDataArray.begin() + static_cast<std::ptrdiff_t>(lowestOpenPage() - 1);
+  return std::any_of(m_imageDataArray.begin(), open, [](const auto& page) { return !page->IsEmpty(); });
 }
 
 CImageData* CReadThread_base::pageAt(unsigned int pageNo) const {

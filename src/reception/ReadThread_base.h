@@ -63,7 +63,8 @@ class CReadThread_base : public IReadThread {
   // Pages that hold memory and that the caller has not freed.
   unsigned int GetCountOfNotXferedImageData();
   bool IsImageDataWritableCondition();
-  // Waits until fewer pages are held. 0, or the code that ends the wait.
+  // Waits until fewer pages are held. 0, or the code that ends the wait: 0x30402001 when the pages in memory are all
+  // behind one that is still open, so that the caller cannot free any.
   QSRSLT WaitForImageDataWritableCondition();
 
   // The page, or null. Read thread.
@@ -94,6 +95,7 @@ class CReadThread_base : public IReadThread {
   void DeviceAccessInterfaceErrorProcess(QSRSLT code);
   void recordReadFailure();
   void noteAskedPage(unsigned int pageNo);
+  bool callerCanFreePages() const;
   QSRSLT AbortScanProc();
   void AbortTimeoutProcess();
   SCANCMD_EJECTION_TYPE ejectionType() const;
