@@ -28,11 +28,9 @@ TEST_P(DocumentsAtResolution, ShowTheSheetAtItsTrueSize) {
   VirtualScanner& scanner = startScanner({sheet("a6.png", drawColor(1240, 1748, 300, 1)), "--reload"});
   for (const char* mode : {"color", "mono"}) {
     SCOPED_TRACE(mode);
-    const Arguments arguments = {"--mode", mode, "--page-size", "a6", "--resolution", dpiText, "-o"};
     for (const char* name : {"page.pdf", "page.png", "page.jpg"}) {
-      Arguments all = arguments;
-      all.push_back(file(name));
-      ASSERT_TRUE(endedWith(0, scan(scanner.address(), all)));
+      ASSERT_TRUE(endedWith(0, scan(scanner.address(),
+                                    {"--mode", mode, "--page-size", "a6", "--resolution", dpiText, "-o", file(name)})));
     }
     const auto pages = readPdf(file("page.pdf"));
     ASSERT_EQ(pages.size(), 1u);

@@ -52,6 +52,17 @@ Picture cutOut(const Picture& picture, int left, int top, int widthPx, int heigh
   return cut;
 }
 
+Picture withoutIdleColor(const Picture& picture) {
+  if (picture.channels == 1) return picture;
+  Picture grey(picture.widthPx, picture.heightPx, 1, picture.dpi);
+  for (std::size_t i = 0; i < grey.pixels.size(); ++i) {
+    const std::uint8_t* rgb = picture.pixels.data() + 3 * i;
+    if (rgb[0] != rgb[1] || rgb[1] != rgb[2]) return picture;
+    grey.pixels[i] = rgb[0];
+  }
+  return grey;
+}
+
 Picture blackAndWhite(const Picture& grey, int level) {
   Picture cut = grey;
   for (auto& sample : cut.pixels) sample = sample < level ? 0 : 255;

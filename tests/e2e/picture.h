@@ -36,6 +36,8 @@ std::string difference(const Picture& expected, const Picture& actual);
 double psnrDb(const Picture& a, const Picture& b);
 Picture turnedHalfway(const Picture& picture);
 Picture cutOut(const Picture& picture, int left, int top, int widthPx, int heightPx);
+// The same picture with one channel, where no pixel has a colour; else as it is.
+Picture withoutIdleColor(const Picture& picture);
 // White from the level on.
 Picture blackAndWhite(const Picture& grey, int level);
 
@@ -46,11 +48,13 @@ void writeTiff(const std::string& path, const std::vector<Picture>& pages);
 std::vector<std::uint8_t> encodeJpeg(const Picture& picture, int quality, int horizontal, int vertical);
 void writeBytes(const std::string& path, const std::vector<std::uint8_t>& bytes);
 
-// Grey of 1 or 8 bits, or 24-bit colour; the resolution rounded to whole dots per inch.
+// Grey of 1 or 8 bits, or colour; the resolution rounded to whole dots per inch.
 Picture readPng(const std::string& path);
+// The first page.
+Picture readTiff(const std::string& path);
 Picture decodeJpeg(const std::uint8_t* data, std::size_t bytes);
 Picture readJpeg(const std::string& path);
-// A CCITT G4 picture as a PDF holds it: black is 0 unless blackIs1.
+// A CCITT G4 picture as a PDF holds it; scratch is a file name for its own use.
 Picture decodeFaxG4(const std::uint8_t* data, std::size_t bytes, int widthPx, int heightPx, const std::string& scratch);
 
 }  // namespace e2e

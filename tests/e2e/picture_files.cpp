@@ -75,7 +75,7 @@ Picture readPng(const std::string& path) {
   png_init_io(png, file.get());
   png_read_info(png, info);
   const int bits = png_get_bit_depth(png, info);
-  png_set_expand_gray_1_2_4_to_8(png);
+  png_set_expand(png);
   png_read_update_info(png, info);
   Picture picture(static_cast<int>(png_get_image_width(png, info)), static_cast<int>(png_get_image_height(png, info)),
                   png_get_channels(png, info), 0);
@@ -114,6 +114,30 @@ void writeTiff(const std::string& path, const std::vector<Picture>& pages) {
     }
     TIFFWriteDirectory(tiff.get());
   }
+}
+
+Picture readTiff(const std::string& path) {
+  TIFFSetWarningHandler(nullptr);
+  const Tiff tiff(TIFFOpen(path.c_str(), "r"));
+  std::uint32_t width = 0;
+  std::uint32_t height = 0;
+  float dpi = 0;
+  if (!tiff || TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width) != 1 ||
+      TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height) != 1) {
+    fail(path + " is broken");
+  }
+  TIFFGetField(tiff.get(), TIFFTAG_XRESOLUTION, &dpi);
+  std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width) * height);
+  if (TIFFReadRGBAImageOriented(tiff.get(), width, height, pixels.data(), ORIENTATION_TOPLEFT, 1) != 1) {
+    fail(path + " is broken");
+  }
+  Picture picture(static_cast<int>(width), static_cast<int>(height), 3, std::round(static_cast<double>(dpi)));
+  for (std::size_t i = 0; i < pixels.size(); ++i) {
+    picture.pixels[3 * i] = static_cast<std::uint8_t>(TIFFGetR(pixels[i]));
+    picture.pixels[3 * i + 1] = static_cast<std::uint8_t>(TIFFGetG(pixels[i]));
+    picture.pixels[3 * i + 2] = static_cast<std::uint8_t>(TIFFGetB(pixels[i]));
+  }
+  return picture;
 }
 
 Picture decodeFaxG4(const std::uint8_t* data, std::size_t bytes, int widthPx, int heightPx,
