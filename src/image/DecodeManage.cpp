@@ -14,9 +14,9 @@ void CDecodeManage::EndStages() {
     const CWriteReadMutex_Base::WriteGuard guard(m_mutex);
     m_queue.clear();
   }
-  m_cJpegDecThread.End();
-  m_cScanDecThread.End();
-  m_cImgEnhanceThread.End();
+  m_cJpegDecThread.ForgetPages();
+  m_cScanDecThread.ForgetPages();
+  m_cImgEnhanceThread.ForgetPages();
 }
 
 QSRSLT CDecodeManage::Initialize() {

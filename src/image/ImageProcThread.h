@@ -32,6 +32,9 @@ class CImageProcThread_Base : public CThread_Base {
   // The finished page, after joining its worker; null when there is none.
   CImageData* GetResultImageData();
 
+  // Joins the worker and forgets its page and the waiting ones.
+  void ForgetPages();
+
  protected:
   ~CImageProcThread_Base() = default;
 
