@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <cstdlib>
 #include <utility>
 #include <vector>
 
@@ -45,9 +46,7 @@ std::string paperHelp() {
 
 void addDeviceOptions(CLI::App& app, Options& options) {
   app.add_option("-d,--device", options.device,
-                 "Device: HOST, HOST:PORT, [IPV6]:PORT, unix:PATH or usb:VVVV:PPPP[:SERIAL]")
-      ->envname("QSSCAN_DEVICE")
-      ->required();
+                 "Device: HOST, HOST:PORT, [IPV6]:PORT, unix:PATH or usb:VVVV:PPPP[:SERIAL]; without it QSSCAN_DEVICE");
   app.add_option("--library", options.library, "The scanning library, where it is not in its usual place");
   app.add_flag("--json", options.json, "Print the result as JSON on standard output");
 }
@@ -155,6 +154,13 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv) {
     return std::nullopt;
   } catch (const CLI::ParseError& error) {
     refuse(std::string(error.what()) + ". Try --help.");
+  }
+  if (raw.options.device.empty()) {
+    const char* device = std::getenv("QSSCAN_DEVICE");
+    if (device == nullptr || *device == '\0') {
+      refuse("Name a device with -d or in QSSCAN_DEVICE, such as -d scanner.local.");
+    }
+    raw.options.device = device;
   }
   raw.options.command = info->parsed() ? Options::Command::kInfo : Options::Command::kScan;
   if (scan->parsed()) finishScanOptions(raw);

@@ -18,7 +18,9 @@ using namespace orvalle_scan_api;
 
 // A whole BMP page in memory with unpadded lines, bottom first, and a picture of its own: byte i of the line y, counted
 // from the top, is fakeByte(y, i).
-inline std::uint8_t fakeByte(int y, std::size_t i) { return static_cast<std::uint8_t>(y * 7 + static_cast<int>(i) * 3); }
+inline std::uint8_t fakeByte(int y, std::size_t i) {
+  return static_cast<std::uint8_t>(y * 7 + static_cast<int>(i) * 3);
+}
 
 struct FakePage {
   int widthPx = 40;

@@ -83,8 +83,8 @@ TEST(ScanWish, UsualSpellingsOfSourcesAreKnown) {
 }
 
 TEST(ScanWish, EachModeNameIsFoundAgain) {
-  for (const COLORTYPE mode : {COLORTYPE_AUTO, COLORTYPE_BLACKANDWHITE, COLORTYPE_ERRORDIFFUSION, COLORTYPE_TRUEGRAY,
-                               COLORTYPE_COLOR24BIT}) {
+  for (const COLORTYPE mode :
+       {COLORTYPE_AUTO, COLORTYPE_BLACKANDWHITE, COLORTYPE_ERRORDIFFUSION, COLORTYPE_TRUEGRAY, COLORTYPE_COLOR24BIT}) {
     EXPECT_EQ(findMode(modeName(mode)), mode);
   }
 }
