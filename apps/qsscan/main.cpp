@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <optional>
 
@@ -60,6 +61,9 @@ int main(int argc, char** argv) {
   // A closed standard output and a file that may not grow are told as failed writes.
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
+  // Outside a scan there is nothing to keep. What the caller had ignored stays ignored.
+  const auto leave = [](int) { std::_Exit(static_cast<int>(ExitCode::kInterrupted)); };
+  if (std::signal(SIGINT, leave) == SIG_IGN) std::signal(SIGINT, SIG_IGN);
   std::optional<Options> options;
   try {
     options = parseCommandLine(argc, argv);

@@ -114,8 +114,8 @@ ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Options& options,
 
   ScanReport report;
   report.device = options.device;
-  ScanWriter writer(options, progress);
   const Interrupts interrupts;
+  ScanWriter writer(options, progress);
   PageQueue queue(kQueuePages, kQueueBytes);
   PageFetcher fetcher(core, settings, queue, options.wish.pages);
   std::thread fetching([&] { fetcher.run(); });

@@ -85,6 +85,18 @@ SUPPORTPAPERSOURCES CDeviceCaps::GetPaperSource() {
   return r == nullptr ? SUPPORTPAPERSOURCES{1, 1, 1, 0} : r->baseFunc.paperSource.supportPaperSource;
 }
 
+// Kept: without a record the default sources are bed and feeder while the three questions below say no. Pinned by
+// DeviceCaps_test "ADeadDeviceLooksLikeAnA4MachineOf1200Dpi".
+bool CDeviceCaps::IsFlatbedSupported() {
+  const auto* r = record();
+  return r != nullptr && r->baseFunc.paperSource.supportPaperSource.flatbed != 0;
+}
+
+bool CDeviceCaps::IsAdfSupported() {
+  const auto* r = record();
+  return r != nullptr && r->baseFunc.paperSource.supportPaperSource.adfSimplex != 0;
+}
+
 bool CDeviceCaps::IsDuplexSupport() {
   const auto* r = record();
   return r != nullptr && r->baseFunc.paperSource.supportPaperSource.adfDuplex != 0;

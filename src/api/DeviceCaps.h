@@ -30,8 +30,8 @@ class CDeviceCaps final : public ICDeviceCaps {
   OPTICALRESOLUTIONS GetOpticalResolution() override;
   SUPPORTCOLORTYPES GetColorTypes() override;
   SUPPORTPAPERSOURCES GetPaperSource() override;
-  bool IsFlatbedSupported() { return GetPaperSource().flatbed != 0; }
-  bool IsAdfSupported() { return GetPaperSource().adfSimplex != 0; }
+  bool IsFlatbedSupported();
+  bool IsAdfSupported();
   bool IsDuplexSupport() override;
   DEVICESCANSIZES GetMaxSize() override;
   DEVICESCANSIZES GetMinSize() override;

@@ -62,8 +62,8 @@ void CJpegDecodeThread::ThreadProc() {
     QSRSLT result = IsPageWanted(*m_pScanError) ? DecodeJpegImage(m_pImage) : QSRSLT_SUCCESS;
     CImageDataStore& raw = m_pImage->m_rawData;
     const BmpLines decoded = bmpLines(raw.GetData(), raw.GetDataSize());
-    // A failed decode leaves no BMP here and keeps its code.
-    if (m_deviceParam.colorType == COLORTYPE_TRUEGRAY && decoded.bitPerPixel == 24) {
+    // A failed decode keeps its code, also where a part of its bands is here.
+    if (result == QSRSLT_SUCCESS && m_deviceParam.colorType == COLORTYPE_TRUEGRAY && decoded.bitPerPixel == 24) {
       result = Convert24BitColorToTrueGrayImageDataStore(&raw);
     }
     return result;

@@ -1,5 +1,6 @@
 #include "reception/ReadThread_v2.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "foundation/trace.h"
@@ -69,9 +70,17 @@ QSRSLT CReadThread_v2::StartScan() {
 QSRSLT CReadThread_v2::fetchColorProfile() {
   const bool wanted = (m_userParam.wantColorProfile & 0xFF) != 0;
   if (!wanted || m_capability.imageProcFunc.colorProfileOutput != kPresent) return QSRSLT_SUCCESS;
+  // The exchange with the device goes on without the lock, so that the caller's question is answered at once.
+  ICCPROFIE fetched{};
+  setColorProfile(fetched);
+  const QSRSLT result = CScanParam().GetColorProfile(m_pScanCmd, &fetched, m_capability);
+  setColorProfile(fetched);
+  return result;
+}
+
+void CReadThread_v2::setColorProfile(const ICCPROFIE& profile) {
   const std::lock_guard<std::mutex> lock(m_iccMutex);
-  m_iccProfile = {};
-  return CScanParam().GetColorProfile(m_pScanCmd, &m_iccProfile, m_capability);
+  m_iccProfile = profile;
 }
 
 // The height that was asked for does not change while the pages arrive.
@@ -134,6 +143,8 @@ QSRSLT CReadThread_v2::DispatchReceivedData(unsigned char* bytes, unsigned int s
       *escapeSize = rest;
     }
   }
+  // The device is closed by then: a page that was begun behind the end of all pages gets no end of its own either.
+  if (m_pScanError->IsAllPageEnd() && !m_pScanError->IsErrorOccurred()) finishOpenPages(status);
   // The local copy may be older than what DispatchStatusCode recorded; the merge keeps the newer.
   m_pScanError->Set(status);
   return result;
@@ -165,7 +176,9 @@ QSRSLT CReadThread_v2::WriteDataBlockToImageDataArray(const IMAGE_HEADER& header
   if (page.IsHandedOver() || page.GetIsBlankPage()) return QSRSLT_SUCCESS;  // its end has come before
   CImageDataStore& store = *page.m_pCurrentStore;
   const bool isJpeg = compress == static_cast<std::uint32_t>(kCompressJpeg);
-  const int newHeight = isJpeg ? static_cast<int>(header.heightSoFar) : store.GetHeightPixel() + 1;
+  // Unsigned, since a size record may have set any height.
+  const auto newHeight =
+      static_cast<int>(isJpeg ? header.heightSoFar : static_cast<unsigned>(store.GetHeightPixel()) + 1);
   if (!CPaperSize().IsSupportImageSize(m_userParam.resolution.y, m_deviceParam.resolution.y,
                                        static_cast<unsigned>(newHeight), &m_userParam)) {
     page.SetPageScanIsTerminated(true);
@@ -259,7 +272,7 @@ bool CReadThread_v2::DispatchStatusCode(const IMAGE_HEADER& header, const PARSE_
   bool known = true;
   switch (header.dataType) {
     case kRecordAllPagesEnded:
-      finishOpenPages();
+      finishOpenPages(status);
       status.scanFinished = true;
       g_ScanDevApiLog.WriteLog(1, "Status = All Page End");
       m_pDevAcs->Close();
@@ -338,11 +351,13 @@ QSRSLT CReadThread_v2::WriteImgeDataFinishProc(unsigned int pageNo, int height) 
   return QSRSLT_SUCCESS;
 }
 
-// At the end of all pages a page that has had no end of its own has one now.
-void CReadThread_v2::finishOpenPages() {
+// At the end of all pages a page that has had no end of its own has one now. Such a page is received: a restart or a
+// stop that still lies in the buffer must not take it away again.
+void CReadThread_v2::finishOpenPages(SCANSTATUS& status) {
   for (unsigned int pageNo = 1; pageNo <= pageCount(); ++pageNo) {
     if (!pageAt(pageNo)->GetIsBlankPage()) WriteImgeDataFinishProc(pageNo, 0);
   }
+  status.lastReceivePageNo = std::max(status.lastReceivePageNo, pageCount());
 }
 
 void CReadThread_v2::SetBlankPageFlag(unsigned int pageNo) {

@@ -202,6 +202,10 @@ TEST_F(CmdDevAccessCalls, AResultIsOneReadOfOneByteOrTwo) {
   EXPECT_EQ(first, 7);
   EXPECT_EQ(second, 8);
   ASSERT_EQ(device.reads.size(), 3u);
+  device.answer("\x80");
+  EXPECT_EQ(access.RecvCmdResult(nullptr, &second, 1), 0u);
+  EXPECT_EQ(device.reads.back().timeOutMs, 1);
+  device.reads.pop_back();
   for (const auto& read : device.reads) {
     EXPECT_EQ(read.size, unsigned{kBufferBytes});
     EXPECT_EQ(read.wanted, unsigned{kBufferBytes});

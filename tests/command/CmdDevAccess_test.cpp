@@ -78,6 +78,15 @@ TEST_F(CmdDevAccess, AHeaderOrATimeOutBelowOneIsRefusedUnread) {
   EXPECT_TRUE(device.reads.empty());
 }
 
+TEST_F(CmdDevAccess, AHeaderAndATimeOutOfOneAreEnough) {
+  device.answer(
+      "\x03"
+      "abc");
+  Info info = shape(0, 0, 1);
+  EXPECT_EQ(receive(info, 1), 0u);
+  EXPECT_EQ(bodyOf(info), "abc");
+}
+
 TEST_F(CmdDevAccess, EveryShapeOfAnswerIsReadInOneReadWithoutAnother) {
   struct Row {
     const char* name;

@@ -50,10 +50,21 @@ MemoryDevice::MemoryDevice() {
   answer("SSP", sspAnswer(300, 300));
 }
 
+void MemoryDevice::stream(std::vector<Part> parts) {
+  const std::lock_guard lock(mutex_);
+  script_ = std::move(parts);
+  awaitedStart_ = starts_ + 1;
+}
+
 void MemoryDevice::failCall(int n, bool isGone) {
   const std::lock_guard lock(mutex_);
   failingCall_ = n;
   failingCallIsGone_ = isGone;
+}
+
+void MemoryDevice::refuseAborts(bool refuse) {
+  const std::lock_guard lock(mutex_);
+  refusesAborts_ = refuse;
 }
 
 int MemoryDevice::calls() const {
@@ -69,6 +80,16 @@ int MemoryDevice::reads() const {
 int MemoryDevice::closes() const {
   const std::lock_guard lock(mutex_);
   return closes_;
+}
+
+long MemoryDevice::lastTimeOutMs() const {
+  const std::lock_guard lock(mutex_);
+  return lastTimeOutMs_;
+}
+
+std::vector<unsigned> MemoryDevice::askedSizes() const {
+  const std::lock_guard lock(mutex_);
+  return askedSizes_;
 }
 
 std::vector<std::string> MemoryDevice::frames() const {
@@ -99,7 +120,17 @@ std::string MemoryDevice::openedName() const {
 
 bool MemoryDevice::waitUntilQuiet() {
   std::unique_lock lock(mutex_);
-  return changed_.wait_for(lock, 10s, [&] { return quietSeen_; });
+  return changed_.wait_for(lock, 10s, [&] { return quietSeen_ && starts_ >= awaitedStart_; });
+}
+
+bool MemoryDevice::isQuiet() const {
+  const std::lock_guard lock(mutex_);
+  return quietSeen_ && starts_ >= awaitedStart_;
+}
+
+bool MemoryDevice::wroteAbort() const {
+  const std::lock_guard lock(mutex_);
+  return abortSeen_;
 }
 
 bool MemoryDevice::waitForMnemonic(const std::string& mnemonic) {
@@ -115,6 +146,7 @@ void MemoryDevice::forgetCalls() {
   calls_ = reads_ = closes_ = 0;
   quietSeen_ = false;
   frames_.clear();
+  askedSizes_.clear();
 }
 
 void MemoryDevice::SetClientId(const char* id) {
@@ -157,9 +189,13 @@ int MemoryDevice::Write(const void* data, int size, int) {
   frames_.push_back(frame);
   if (mnemonic == "XSC") {
     streaming_ = true;
-    quietSeen_ = false;
+    ++starts_;
+    quietSeen_ = abortSeen_ = false;
+    askedSizes_.clear();
     stream_.assign(script_.begin(), script_.end());
   } else if (mnemonic == "ABT") {
+    abortSeen_ = true;
+    if (refusesAborts_) return fail(kFailure);
     if (!abortAnswer_.empty()) stream_ = {MemoryDevice::data(abortAnswer_)};
   } else if (const auto found = answers_.find(mnemonic); found != answers_.end()) {
     pending_ = found->second;
@@ -172,6 +208,7 @@ int MemoryDevice::Write(const void* data, int size, int) {
 int MemoryDevice::Read(void* buffer, unsigned int size, unsigned int, long timeOutMs) {
   std::unique_lock lock(mutex_);
   if (timeOutMs != 0) ++reads_;
+  lastTimeOutMs_ = timeOutMs;
   if (failsNow()) return fail(kFailure);
   if (!open_) return fail(kFailure);
   if (streaming_) return readStream(buffer, size, lock);
@@ -183,6 +220,7 @@ int MemoryDevice::Read(void* buffer, unsigned int size, unsigned int, long timeO
 }
 
 int MemoryDevice::readStream(void* buffer, unsigned int size, std::unique_lock<std::mutex>& lock) {
+  if (askedSizes_.size() < 1000) askedSizes_.push_back(size);
   const Part::Kind kind = stream_.empty() ? Part::QuietForEver : stream_.front().kind;
   if (kind == Part::Data) {
     ByteString& bytes = stream_.front().bytes;

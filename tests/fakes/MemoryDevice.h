@@ -61,26 +61,32 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
 
   // The script.
   void answer(const std::string& mnemonic, ByteString bytes) { answers_[mnemonic] = std::move(bytes); }
-  void stream(std::vector<Part> parts) { script_ = std::move(parts); }
-  void stream(const ByteString& bytes) { script_ = {data(bytes)}; }
+  void stream(std::vector<Part> parts);
+  void stream(const ByteString& bytes) { stream(std::vector<Part>{data(bytes)}); }
   void abortAnswer(ByteString bytes) { abortAnswer_ = std::move(bytes); }
   // Silence in the stream: answered at once as nothing (the default), or as a time-out after so many milliseconds.
   void blockInSilence(int waitMs) { silenceMs_ = waitMs; }
   // The n-th counted call (Open, Read, Write, from 1) fails, and the device is gone afterwards if isGone. 0: none.
   void failCall(int n, bool isGone = false);
+  // Writing ABT fails, with the frame noted.
+  void refuseAborts(bool refuse);
   void refuseToOpen(bool refuse) { refusesToOpen_ = refuse; }
 
   // What happened.
   int calls() const;
   int reads() const;
   int closes() const;
+  long lastTimeOutMs() const;                  // of the last read
+  std::vector<unsigned> askedSizes() const;    // of the reads of the stream
   std::vector<std::string> frames() const;     // without the leading 1B and the trailing 80
   std::vector<std::string> mnemonics() const;  // of the frames, in order
   std::string clientId() const;
   orvalle_scan_api::_DEV_IDENTIFIER opened() const;  // as the last Open was told; the name may be gone
   std::string openedName() const;
-  // Waits until a read of the stream has found nothing; false after ten seconds.
+  // Waits until a read of the stream that was given last has found nothing; false after ten seconds.
   bool waitUntilQuiet();
+  bool isQuiet() const;     // the same, asked
+  bool wroteAbort() const;  // ABT came since XSC
   bool waitForMnemonic(const std::string& mnemonic);
   void forgetCalls();
 
@@ -100,7 +106,6 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   int readStream(void* buffer, unsigned int size, std::unique_lock<std::mutex>& lock);
 
   std::map<std::string, ByteString> answers_;
-  std::vector<Part> script_;
   ByteString abortAnswer_{0x00, 0x40};
   int silenceMs_ = -1;
   bool refusesToOpen_ = false;
@@ -110,14 +115,21 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   // Guarded by mutex_.
   bool open_ = false;
   bool streaming_ = false;
+  int starts_ = 0;        // XSC commands
+  int awaitedStart_ = 1;  // the one that serves the stream that was given last
   bool quietSeen_ = false;
+  bool abortSeen_ = false;
   ByteString pending_;  // an answer that waits to be read
+  std::vector<Part> script_;
   std::deque<Part> stream_;
   int calls_ = 0;
   int reads_ = 0;
   int closes_ = 0;
+  long lastTimeOutMs_ = 0;
+  std::vector<unsigned> askedSizes_;
   int failingCall_ = 0;
   bool failingCallIsGone_ = false;
+  bool refusesAborts_ = false;
   std::vector<std::string> frames_;
   std::string clientId_;
   orvalle_scan_api::_DEV_IDENTIFIER opened_{};

@@ -1,6 +1,6 @@
 // Collects what the library logs while an object lives, whatever the set-up of the machine's log.
 //
-// COutputLog::WriteLog is replaced at link time, see qs_add_logged_test in tests/command/CMakeLists.txt; outside of a
+// COutputLog::WriteLog is replaced at link time, see log_capture.cmake; outside of a
 // capture lines are formatted and dropped.
 // Threads: one capture at a time, on the thread that logs.
 #pragma once

@@ -141,11 +141,11 @@ TEST(Thread, TheTwoHalvesOfTheMutexPairAreIndependent) {
   CWriteReadMutex_Base pair;
   pair.LockWriteMutex();
   pair.LockReadMutex();  // would wait for ever if it were one lock
+  pair.UnlockReadMutex();
   pair.UnlockWriteMutex();
   { CWriteReadMutex_Base::WriteGuard guard(pair); }
-  pair.LockWriteMutex();
+  pair.LockWriteMutex();  // would wait for ever if the guard had kept it
   pair.UnlockWriteMutex();
-  pair.UnlockReadMutex();
 }
 
 TEST(Thread, TheWriteHalfKeepsWritersApart) {

@@ -7,13 +7,13 @@
 
 #include <chrono>
 #include <cstring>
-#include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "api/ScanProtocol.h"
 #include "tests/fakes/MemoryDevice.h"
+#include "tests/reception/keep_modules.h"
 
 namespace reception_test {
 
@@ -62,18 +62,6 @@ struct Outcome {
     return all;
   }
 };
-
-// Holds the image modules in memory, so that thousands of scans do not map them again.
-inline void keepModulesLoaded() {
-  static const bool once = [] {
-    const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-    for (const char* stem : {"QsScanDecode", "QsJpegDecode", "QsImageEnhance"}) {
-      dlopen((folder / (std::string(stem) + ".so")).c_str(), RTLD_LAZY | RTLD_LOCAL);
-    }
-    return true;
-  }();
-  static_cast<void>(once);
-}
 
 class ScanHarness {
  public:

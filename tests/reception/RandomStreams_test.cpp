@@ -1,0 +1,176 @@
+// Any stream of a device ends in bounded time, whatever it holds: the caller's loop comes to an end, at the latest
+// after an abort, and the next scan runs. Each stream is told by its seed.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <ctime>
+#include <random>
+
+#include "tests/reception/scan_harness.h"
+#include "tests/reception/scan_pictures.h"
+
+// A stream that swallows the answer to the abort is given up after ten seconds of processor time; here they pass at
+// once, when the test says so.
+extern "C" {
+std::clock_t __real_clock();
+std::clock_t __wrap_clock();
+}
+namespace {
+std::atomic<std::clock_t> clockAdvance{0};
+}
+std::clock_t __wrap_clock() { return __real_clock() + clockAdvance; }
+
+namespace reception_test {
+namespace {
+
+using fakes::MemoryDevice;
+using namespace std::chrono_literals;
+
+// QS_SEEDS in the environment asks for more.
+unsigned seedCount() {
+  const char* wanted = std::getenv("QS_SEEDS");
+  return wanted != nullptr ? static_cast<unsigned>(std::atoi(wanted)) : 400;
+}
+
+class StreamMaker {
+ public:
+  explicit StreamMaker(unsigned seed) : engine_(seed) {}
+
+  unsigned below(unsigned n) { return static_cast<unsigned>(engine_()) % n; }
+  bool oneIn(unsigned n) { return below(n) == 0; }
+
+  std::vector<MemoryDevice::Part> parts() {
+    ByteString stream;
+    const unsigned records = 1 + below(40);
+    for (unsigned i = 0; i < records; ++i) stream = stream + record();
+    if (oneIn(2)) stream = stream + allPagesEnd();
+    if (oneIn(3)) damage(stream);
+    return cut(stream);
+  }
+
+ private:
+  std::uint8_t byte() { return static_cast<std::uint8_t>(engine_()); }
+  ByteString bytes(unsigned n) {
+    ByteString result;
+    for (unsigned i = 0; i < n; ++i) result.push_back(byte());
+    return result;
+  }
+
+  // Pages go up slowly, with strays.
+  unsigned page() {
+    if (oneIn(10)) ++page_;
+    return oneIn(15) ? below(6) : page_;
+  }
+
+  ByteString record() {
+    static constexpr std::uint8_t kFormats[] = {0x00, 0x04, 0x05, 0x08, 0x0C, 0x0D, 0x14, 0x15, 0x91, 0x1D};
+    const std::uint8_t format = kFormats[below(std::size(kFormats))];
+    switch (below(16)) {
+      case 0:
+        return pageEnd(page());
+      case 1:
+        return whiteLine(page());
+      case 2:
+        return block(page(), format, bytes(below(60)), below(12));
+      case 3:
+        return pageSize(page(), below(20), below(12));
+      case 4:
+        return colorCheck(page(), format);
+      case 5:
+        return oneIn(4) ? blankPageEnd(page()) : pageEnd(page_);
+      case 6:
+        return oneIn(4) ? tooLongPageEnd(page()) : pageEnd(page_);
+      case 7:
+        return oneIn(8) ? timer(static_cast<std::uint8_t>(0x50 + below(2)), below(3)) : whiteLine(page_);
+      case 8:
+        return oneIn(8) ? deviceError(byte()) : pageStatus(static_cast<std::uint8_t>(0x72 + below(3)), page_);
+      case 9:
+        return oneIn(8) ? status(byte()) : pageStatus(0x71, page_) + u32(8) + u32(8);
+      default:
+        return line(page(), format, bytes(below(30)), below(12));
+    }
+  }
+
+  void damage(ByteString& stream) {
+    for (unsigned i = 1 + below(4); i > 0 && !stream.empty(); --i) {
+      const std::size_t at = below(static_cast<unsigned>(stream.size()));
+      const auto place = stream.begin() + static_cast<std::ptrdiff_t>(at);
+      if (oneIn(3)) {
+        stream.erase(place);
+      } else if (oneIn(2)) {
+        stream.insert(place, byte());
+      } else {
+        *place = byte();
+      }
+    }
+  }
+
+  std::vector<MemoryDevice::Part> cut(const ByteString& stream) {
+    std::vector<MemoryDevice::Part> parts;
+    for (std::size_t at = 0; at < stream.size();) {
+      const std::size_t size = std::min<std::size_t>(stream.size() - at, 1 + below(oneIn(2) ? 8 : 400));
+      const auto start = stream.begin() + static_cast<std::ptrdiff_t>(at);
+      parts.push_back(MemoryDevice::data(ByteString(start, start + static_cast<std::ptrdiff_t>(size))));
+      if (oneIn(30)) parts.push_back(MemoryDevice::quiet());
+      at += size;
+    }
+    if (oneIn(12)) parts.push_back(MemoryDevice::timeOut());
+    if (oneIn(12)) parts.push_back(MemoryDevice::failure(oneIn(2) ? 0x40500010 : 0x10500010));
+    if (oneIn(12)) parts.push_back(MemoryDevice::gone());
+    return parts;
+  }
+
+  std::mt19937 engine_;
+  unsigned page_ = 1;
+};
+
+class RandomStreams : public testing::TestWithParam<int> {};
+
+// Eight groups, so that a runner can spread them.
+TEST_P(RandomStreams, EndInBoundedTime) {
+  ScanHarness harness;
+  for (unsigned seed = static_cast<unsigned>(GetParam()); seed < seedCount(); seed += 8) {
+    StreamMaker maker(seed);
+    auto settings = settingsFor(8, 6, maker.oneIn(2) ? 24 : maker.oneIn(2) ? 8 : 1);
+    if (maker.oneIn(4)) settings.colorType = COLORTYPE_AUTO;
+    if (maker.oneIn(4)) settings.duplexType = DUPLEXTYPE_SHORT_EDGE;
+    settings.detectEndOfPage = maker.oneIn(2);
+    harness.device.stream(maker.parts());
+    ASSERT_EQ(harness.start(settings), 0u) << "seed " << seed;
+
+    const bool abortsAtOnce = maker.oneIn(6);
+    const bool walksAway = maker.oneIn(6);
+    if (abortsAtOnce) harness.core.AbortScanning();
+    unsigned pages = 0;
+    const auto end = std::chrono::steady_clock::now() + 20s;
+    while (std::chrono::steady_clock::now() < end) {
+      const SCANAPISTATUS state = harness.core.GetScanStatus();
+      if (state == XFERREADY) {
+        const Delivery delivery = harness.read();
+        if (delivery.result != 0) break;
+        harness.core.FreeImageData(delivery.pageNo);
+        EXPECT_LT(++pages, 70000u) << "seed " << seed << ": page numbers are 16-bit";
+      } else if (state != RECEIVING) {
+        break;
+      } else if (harness.device.isQuiet()) {
+        // Nothing more will come: what is left to the caller is to abort, or to leave.
+        if (walksAway) break;
+        harness.core.AbortScanning();
+        if (harness.device.wroteAbort()) clockAdvance += 10000001;
+      }
+      std::this_thread::sleep_for(100us);
+    }
+    EXPECT_LT(std::chrono::steady_clock::now(), end) << "seed " << seed;
+    if (HasFailure()) return;
+  }
+  const Picture picture = drawPicture(8, 6, 24);
+  const Outcome after = harness.scan(settingsFor(8, 6, 24), rawLines(picture) + pageEnd(1) + allPagesEnd());
+  EXPECT_EQ(after.last, ALLEND);
+  EXPECT_EQ(after.pages(), std::vector<ByteString>{expectedBmp(picture)});
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomStreams, testing::Range(0, 8));
+
+}  // namespace
+}  // namespace reception_test
