@@ -94,6 +94,25 @@ TEST_F(Documents, AnAreaHasItsSizeAtEveryResolution) {
   }
 }
 
+TEST_F(Documents, StandardOutputTakesTheFile) {
+  VirtualScanner& scanner = startScanner({sheet("sheet.png", drawText(709, 947, 300, 5)), "--reload"});
+  const Arguments arguments = {"--mode", "mono", "--page-size", paperOf(709, 947, 300), "-o"};
+  const auto to = [&](const std::string& path, const std::string& format) {
+    Arguments all = arguments;
+    all.insert(all.end(), {path, "--format", format});
+    return scan(scanner.address(), all);
+  };
+  const Finished png = to("-", "png");
+  ASSERT_TRUE(endedWith(0, png));
+  ASSERT_TRUE(endedWith(0, to(file("page.png"), "png")));
+  EXPECT_EQ(png.out, contentOf(file("page.png")));
+
+  const Finished pdf = to("-", "pdf");
+  ASSERT_TRUE(endedWith(0, pdf));
+  writeBytes(file("out.pdf"), {pdf.out.begin(), pdf.out.end()});
+  EXPECT_EQ(difference(readPng(file("page.png")), readPdf(file("out.pdf")).at(0).picture), "");
+}
+
 // At a third of the sheet's resolution every dot is the mean of nine: words stay where they were.
 TEST_F(Documents, ASheetScannedCoarselyStaysInPlace) {
   const Picture drawn = drawText(1200, 1800, 300, 4);

@@ -106,6 +106,25 @@ TEST_F(Failures, AConnectionResetOnPageThreeKeepsTwoPages) {
   expectKept(scan(scanner.address(), toPdf()), 8, "The connection to the device was lost.", 2);
 }
 
+TEST_F(Failures, AConnectionLostInAColorPageKeepsThePagesBefore) {
+  Arguments arguments;
+  std::vector<Picture> drawn;
+  for (unsigned i = 0; i < 3; ++i) {
+    drawn.push_back(drawColor(kWidthPx, kHeightPx, 300, i));
+    arguments.push_back(sheet("color" + std::to_string(i) + ".png", drawn.back()));
+  }
+  // 45 pieces and more for a page.
+  arguments.insert(arguments.end(), {"--drip", "4096", "--drip-ms", "12", "--fault", "disconnect@page=3,line=1200"});
+  VirtualScanner& scanner = startScanner(arguments);
+  const Finished run =
+      scan(scanner.address(), {"--page-size", "photo-4x6", "--compression", "lossless", "-o", file("pages.pdf")});
+  EXPECT_TRUE(endedWith(8, run));
+  EXPECT_LT(run.exit.seconds, kPromptSeconds);
+  const auto kept = readPdf(file("pages.pdf"));
+  ASSERT_EQ(kept.size(), 2u) << run.err;
+  for (std::size_t i = 0; i < kept.size(); ++i) EXPECT_GE(psnrDb(drawn[i], kept[i].picture), 30) << "page " << i + 1;
+}
+
 TEST_F(Failures, AConnectionLostOnTheFirstPageLeavesNoFile) {
   VirtualScanner& scanner = startWith(1, {"--fault", "disconnect@page=1,line=700"});
   expectNothing(scan(scanner.address(), toPdf()), 8, "The connection to the device was lost.");
