@@ -113,6 +113,23 @@ TEST_F(Batch, PagesOfOneNameAreNumbered) {
   EXPECT_FALSE(exists("letter.png"));
 }
 
+// More pages than the library holds at a time, written more slowly than they come.
+TEST_F(Batch, ALongBatchArrivesWholeAndInOrder) {
+  constexpr int kPages = 60;
+  std::vector<Picture> drawn;
+  for (int i = 0; i < kPages; ++i) drawn.push_back(drawText(600, 800, 100, static_cast<unsigned>(i)));
+  writeTiff(file("stack.tif"), drawn);
+  VirtualScanner& scanner = startScanner(with({file("stack.tif")}, kGreyByLines));
+  ASSERT_TRUE(
+      endedWith(0, scan(scanner.address(), {"--mode", "gray", "--resolution", "100", "--compression", "lossless",
+                                            "--page-size", paperOf(600, 800, 100), "-o", file("long.pdf")})));
+  const auto pages = readPdf(file("long.pdf"));
+  ASSERT_EQ(pages.size(), drawn.size());
+  for (std::size_t i = 0; i < pages.size(); ++i) {
+    ASSERT_EQ(difference(drawn[i], pages[i].picture), "") << "page " << i + 1;
+  }
+}
+
 TEST_F(Batch, TenA4SheetsInColorMakeOnePdf) {
   // One page, and on each sheet a dark field of its own.
   constexpr int kSheets = 10;

@@ -197,6 +197,24 @@ TEST_F(Failures, AFolderThatIsNotThereIsToldBeforeTheScan) {
   EXPECT_FALSE(scanner.wasTold("CLR=GRAY256"));
 }
 
+// A disk that is full at the very end, when the pictures already lie in a temporary file.
+TEST_F(Failures, AFullDiskIsTold) {
+  VirtualScanner& scanner = startWith(1, {"--reload"});
+  for (const char* format : {"pdf", "png", "jpeg"}) {
+    SCOPED_TRACE(format);
+    expectNothing(scan(scanner.address(), {"--mode", "gray", "--format", format, "-o", "/dev/full"}), 10,
+                  "cannot be written");
+  }
+}
+
+TEST_F(Failures, OneCtrlCIsEnoughForASilentDevice) {
+  VirtualScanner& scanner = startWith(3, slowly({"--fault", "silence@page=2,line=900"}));
+  const auto process = startScan(scanner.address(), toPdf());
+  ASSERT_TRUE(process->waitForText(process->errPath(), "Page 1:", kPatience));
+  process->send(SIGINT);
+  expectKept(finish(*process), 130, "Interrupted.", 1);
+}
+
 TEST_F(Failures, AModeThatTheDeviceDoesNotOfferIsTold) {
   VirtualScanner& scanner = startWith(1, {"--set", "colorType=0x07"});
   expectNothing(scan(scanner.address(), {"--mode", "color", "-o", file("pages.pdf")}), 12,

@@ -28,6 +28,11 @@ int openForWriting(const std::string& path) {
 [[noreturn]] void become(const std::vector<char*>& arguments, int out, int err, pid_t parent) {
   ::prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (::getppid() != parent) ::_exit(kCannotStart);
+  // A shell's background job ignores SIGINT, and would hand that on.
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) std::signal(signal, SIG_DFL);
+  sigset_t none;
+  ::sigemptyset(&none);
+  ::sigprocmask(SIG_SETMASK, &none, nullptr);
   const int in = ::open("/dev/null", O_RDONLY);
   if (in < 0 || ::dup2(in, 0) < 0 || ::dup2(out, 1) < 0 || ::dup2(err, 2) < 0) ::_exit(kCannotStart);
   ::execv(arguments[0], arguments.data());
