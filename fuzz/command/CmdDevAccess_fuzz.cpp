@@ -4,7 +4,7 @@
 
 #include "command/CmdDevAccess.h"
 #include "foundation/bytes.h"
-#include "fuzz/modules/touch.h"
+#include "fuzz/touch.h"
 
 using namespace orvalle_scan_api;
 

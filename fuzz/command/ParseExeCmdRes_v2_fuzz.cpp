@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "command/ParseExeCmdRes_v2.h"
-#include "fuzz/modules/touch.h"
+#include "fuzz/touch.h"
 
 using namespace orvalle_scan_api;
 

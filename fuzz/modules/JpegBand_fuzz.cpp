@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "modules/JpegDecode.h"
-#include "touch.h"
+#include "fuzz/touch.h"
 
 using namespace orvalle_scan_api;
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "modules/ScanDec.h"
-#include "touch.h"
+#include "fuzz/touch.h"
 
 using namespace orvalle_scan_api;
 

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "fuzz/modules/touch.h"
+#include "fuzz/touch.h"
 #include "parse/ParseCmdRes_v2.h"
 
 // A copy that may be handed to the parsers, which take bytes that are not constant.

@@ -163,8 +163,8 @@ bool CReadThread_base::dispatch(unsigned char* buffer, unsigned int& carry) {
 
 void CReadThread_base::recordReadFailure() {
   if (m_readFailure == 0) return;
-  const unsigned int received = m_pScanError->Get().lastReceivePageNo;
-  if (received > 0 && m_askedPageNo <= received) return;
+  const unsigned int receivedPages = lowestOpenPage() - 1;
+  if (receivedPages > 0 && m_askedPageNo <= receivedPages) return;
   DeviceAccessInterfaceErrorProcess(m_readFailure);
   m_readFailure = QSRSLT_SUCCESS;
 }
@@ -420,7 +420,9 @@ void CReadThread_base::appendPage(std::unique_ptr<CImageData> page) {
 }
 
 unsigned int CReadThread_base::lowestOpenPage() const {
-  const auto isOpen = [](const auto& page) { return !page->IsHandedOver() && !page->GetIsBlankPage(); };
+  const auto isOpen = [](const auto& page) {
+    return !page->IsHandedOver() && !page->IsSettled() && !page->GetIsBlankPage();
+  };
   const auto open = std::find_if(m_imageDataArray.begin(), m_imageDataArray.end(), isOpen);
   return static_cast<unsigned>(open - m_imageDataArray.begin()) + 1;
 }

@@ -264,6 +264,15 @@ TEST_F(CmdDevAccessCalls, DrainingNeedsADeviceAndABuffer) {
   EXPECT_EQ(device.reads.size(), 3u);
 }
 
+TEST_F(CmdDevAccessCalls, ClosingFreesTheBuffer) {
+  access.AllocReceiveBuffer();
+  access.CloseDevice();
+  device.open = true;
+  access.SetPointerToDeviceAccess(&device);
+  access.DiscardsRemainData();
+  EXPECT_TRUE(device.reads.empty()) << "nothing is drained without a buffer";
+}
+
 TEST_F(CmdDevAccessCalls, TheDiagnosisToolDoesNothing) {
   access.StartDiagnosisTool();
   EXPECT_TRUE(device.reads.empty());

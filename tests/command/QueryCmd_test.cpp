@@ -186,7 +186,13 @@ TEST_F(QueryCmd, TheQDIAnswerGoesBeforeThatOfQ) {
   expectEmpty(query.GetDeviceCapInfo());
 }
 
-TEST_F(QueryCmd, CopyingRefusesNothingAndReplacesWhatWasThere) {
+TEST_F(QueryCmd, WithoutARecordNothingIsSent) {
+  EXPECT_EQ(query.ExeQcmd(nullptr), 0x70210002u);
+  EXPECT_EQ(query.ExeQDIcmd(nullptr), 0x70210002u);
+  EXPECT_TRUE(device.writes.empty());
+}
+
+TEST_F(QueryCmd, CopyingRefusesEmptyBodiesAndReplacesWhatWasThere) {
   const unsigned char bytes[] = {1, 2, 3};
   _SCANCMD_DEVICECAP_INFO record{};
   EXPECT_EQ(query.CopyCmdResDataFromRxBuff(nullptr, 3, record), 0x70210002u);

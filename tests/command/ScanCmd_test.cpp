@@ -150,7 +150,9 @@ TEST_F(ScanCmd, ASecondGenerationQueryLogsItsSteps) {
   EXPECT_EQ(command.QueryDeviceCapability(&info, true), 0u);
   std::vector<std::string> steps;
   for (const LogLine& line : log.lines) {
-    if (line.text.rfind("Q", 0) == 0 || line.text.rfind("Command", 0) == 0) steps.push_back(line.text);
+    if (line.text.rfind("Q", 0) != 0 && line.text.rfind("Command", 0) != 0) continue;
+    EXPECT_EQ(line.level, 1) << line.text;
+    steps.push_back(line.text);
   }
   EXPECT_EQ(steps,
             (std::vector<std::string>{"Q Command START", "Command Generation is 2nd Generation", "QDI Command START"}))
