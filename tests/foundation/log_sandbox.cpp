@@ -23,6 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* kPlaces[] = {kSetupFile, kLogFolder, kElsewhere};
 constexpr unsigned kLimitSeconds = 120;  // a case that hangs is killed
 
 bool mountOwnTmp() {
@@ -48,11 +49,11 @@ class SharedTmp {
   SharedTmp() : lock_(open("/tmp/.qs-log-test.lock", O_CREAT | O_RDWR | O_CLOEXEC, 0666)) {
     flock(lock_, LOCK_EX);
     std::error_code ignored;
-    for (const char* path : {kSetupFile, kLogFolder}) fs::rename(path, path + std::string(".kept"), ignored);
+    for (const char* path : kPlaces) fs::rename(path, path + std::string(".kept"), ignored);
   }
   ~SharedTmp() {
     std::error_code ignored;
-    for (const char* path : {kSetupFile, kLogFolder}) {
+    for (const char* path : kPlaces) {
       fs::remove_all(path, ignored);
       fs::rename(path + std::string(".kept"), path, ignored);
     }
@@ -95,7 +96,7 @@ void tellTree(std::FILE* out, const fs::path& path) {
     new (&g_ScanDevApiLog) COutputLog("ScanApiLog");
     code();
     std::FILE* out = fdopen(pipe, "wb");
-    for (const char* path : {kLogFolder, kSetupFile, "/tmp/elsewhere"}) tellTree(out, path);
+    for (const char* path : kPlaces) tellTree(out, path);
     for (const auto& entry : fs::directory_iterator("/")) {
       if (entry.path().filename().string().rfind("Dump", 0) == 0) tellTree(out, entry.path());
     }

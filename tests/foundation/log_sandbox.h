@@ -16,6 +16,7 @@ namespace foundation_test {
 
 inline constexpr char kSetupFile[] = "/tmp/QvSetupLog.txt";
 inline constexpr char kLogFolder[] = "/tmp/QvOutLog";
+inline constexpr char kElsewhere[] = "/tmp/qs-log-elsewhere";  // for what a case wants to lie outside the folder
 inline constexpr char kApiLog[] = "/tmp/QvOutLog/ScanApiLog.kmy";
 
 struct Left {
