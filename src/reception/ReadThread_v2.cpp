@@ -119,6 +119,8 @@ QSRSLT CReadThread_v2::DispatchReceivedData(unsigned char* bytes, unsigned int s
     position = next;
     if (result != 0) break;
   }
+  // What came behind the end of all pages has no end of its own either.
+  if (m_pScanError->IsAllPageEnd()) finishOpenPages();
   *escape = nullptr;
   *escapeSize = 0;
   if (position < end) {
@@ -308,7 +310,8 @@ void CReadThread_v2::endScan(const IMAGE_HEADER& header, const PARSE_RESULT& rec
   } else if (record.isTimer) {
     SetScanTimeOutSec(record.timerSeconds * 1000L);
     g_ScanDevApiLog.WriteLog(1, "Scan timeout postpone. time = %d[sec]", record.timerSeconds);
-    if (record.timerKind == kTimerRestart) {
+    // Behind the end of all pages no page is incomplete, and the decoder has them.
+    if (record.timerKind == kTimerRestart && !status.scanFinished) {
       ClearImageDataFromArray(status.lastReceivePageNo + 1);
       g_ScanDevApiLog.WriteLog(1, "Delete noncomplete scan images. last page no = %d",
                                static_cast<int>(status.lastReceivePageNo));
