@@ -69,9 +69,17 @@ QSRSLT CReadThread_v2::StartScan() {
 QSRSLT CReadThread_v2::fetchColorProfile() {
   const bool wanted = (m_userParam.wantColorProfile & 0xFF) != 0;
   if (!wanted || m_capability.imageProcFunc.colorProfileOutput != kPresent) return QSRSLT_SUCCESS;
+  // The lock is not held while the device is asked: GetColorProfile answers at once meanwhile.
+  setIccProfile({});
+  ICCPROFIE profile{};
+  const QSRSLT result = CScanParam().GetColorProfile(m_pScanCmd, &profile, m_capability);
+  if (result == 0) setIccProfile(profile);
+  return result;
+}
+
+void CReadThread_v2::setIccProfile(const ICCPROFIE& profile) {
   const std::lock_guard<std::mutex> lock(m_iccMutex);
-  m_iccProfile = {};
-  return CScanParam().GetColorProfile(m_pScanCmd, &m_iccProfile, m_capability);
+  m_iccProfile = profile;
 }
 
 // The height that was asked for does not change while the pages arrive.
