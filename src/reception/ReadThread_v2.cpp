@@ -1,5 +1,6 @@
 #include "reception/ReadThread_v2.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "foundation/trace.h"
@@ -19,6 +20,11 @@ constexpr int kInfoSize = 0;
 constexpr int kInfoColorCheck = 1;
 constexpr int kTimerRestart = 0;
 constexpr QSRSLT kOtherStatus = 0xD0;
+// The largest width or height that a device is believed: 22 metres at 1200 dpi. Sizes in bytes of such lines fit an
+// int, and a page is not made huge by a damaged number.
+constexpr std::uint32_t kMostPixels = 0xFFFFF;
+
+int believedPixels(std::uint32_t told) { return static_cast<int>(std::min(told, kMostPixels)); }
 
 }  // namespace
 
@@ -175,7 +181,7 @@ QSRSLT CReadThread_v2::WriteDataBlockToImageDataArray(const IMAGE_HEADER& header
   if (page.IsHandedOver() || page.GetIsBlankPage()) return QSRSLT_SUCCESS;  // its end has come before
   CImageDataStore& store = *page.m_pCurrentStore;
   const bool isJpeg = compress == static_cast<std::uint32_t>(kCompressJpeg);
-  const int newHeight = isJpeg ? static_cast<int>(header.heightSoFar) : store.GetHeightPixel() + 1;
+  const int newHeight = isJpeg ? believedPixels(header.heightSoFar) : store.GetHeightPixel() + 1;
   if (!CPaperSize().IsSupportImageSize(m_userParam.resolution.y, m_deviceParam.resolution.y,
                                        static_cast<unsigned>(newHeight), &m_userParam)) {
     page.SetPageScanIsTerminated(true);
@@ -192,7 +198,7 @@ QSRSLT CReadThread_v2::WriteDataBlockToImageDataArray(const IMAGE_HEADER& header
 QSRSLT CReadThread_v2::writeJpeg(CImageDataStore& store, const IMAGE_HEADER& header, int newHeight) {
   g_ScanDevApiLog.WriteDump(header.data, static_cast<int>(header.dataSize), "DumpJpg", static_cast<int>(header.pageNo));
   const QSRSLT result = store.WriteJpegBlock(header.data, header.dataSize);
-  if (header.widthPixel != 0) store.UpdateWidthPixel(static_cast<int>(header.widthPixel));
+  if (header.widthPixel != 0) store.UpdateWidthPixel(believedPixels(header.widthPixel));
   // Kept: the data is written whole also above the limit; only the height is held back, and the decoder honours it.
   if (newHeight != 0) store.UpdateHeightPixel(isAboveLimit(newHeight) ? m_requestedHeight : newHeight);
   return result;
@@ -209,7 +215,7 @@ QSRSLT CReadThread_v2::writeLine(CImageDataStore& store, const IMAGE_HEADER& hea
                                  static_cast<int>(ConvertToQvSncdcCompressType(header.compress)), header.data,
                                  header.dataSize);
   }
-  if (header.widthPixel != 0) store.UpdateWidthPixel(static_cast<int>(header.widthPixel));
+  if (header.widthPixel != 0) store.UpdateWidthPixel(believedPixels(header.widthPixel));
   return result;
 }
 
@@ -253,8 +259,8 @@ bool CReadThread_v2::DispatchDataInfo(const IMAGE_HEADER& header, const PARSE_RE
     case kInfoSize: {
       if (page.IsHandedOver()) return true;
       CImageDataStore& store = *page.m_pCurrentStore;
-      if (header.widthPixel != 0) store.UpdateWidthPixel(static_cast<int>(header.widthPixel));
-      if (header.heightPixel != 0) store.UpdateHeightPixel(static_cast<int>(header.heightPixel));
+      if (header.widthPixel != 0) store.UpdateWidthPixel(believedPixels(header.widthPixel));
+      if (header.heightPixel != 0) store.UpdateHeightPixel(believedPixels(header.heightPixel));
       return true;
     }
     default:
@@ -298,7 +304,7 @@ bool CReadThread_v2::DispatchStatusCode(const IMAGE_HEADER& header, const PARSE_
 }
 
 void CReadThread_v2::endPage(const IMAGE_HEADER& header, SCANSTATUS& status) {
-  status.status = WriteImgeDataFinishProc(header.pageNo, static_cast<int>(header.heightSoFar));
+  status.status = WriteImgeDataFinishProc(header.pageNo, believedPixels(header.heightSoFar));
   if (status.status != 0) status.errPageNo = header.pageNo;
   status.lastReceivePageNo = header.pageNo;
 }
