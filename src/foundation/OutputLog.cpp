@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstdarg>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 
@@ -118,12 +119,14 @@ bool COutputLog::CheckLogSetup(const std::string& base) {
                 {"DumpPreScanDec=%d", &dumpPreScanDec},
                 {"DumpPreImagEnhance=%d", &dumpPreImagEnhance},
                 {"DumpFinalData=%d", &dumpFinalData}};
-  char line[256];
+  char* line = nullptr;  // getline's own, of any length
+  std::size_t lineBytes = 0;
   for (const auto& expected : kLines) {
-    if (std::fgets(line, sizeof line, file) == nullptr) break;
+    if (getline(&line, &lineBytes, file) < 0) break;
     int value = 0;
     if (std::sscanf(line, expected.pattern, &value) == 1) *expected.field = value;
   }
+  std::free(line);
   std::fclose(file);
   dumpEnabled = dumpPackBits > 0 || dumpJpg > 0 || dumpPreScanDec > 0 || dumpPreImagEnhance > 0 || dumpFinalData > 0;
   return true;

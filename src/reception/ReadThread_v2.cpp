@@ -20,6 +20,11 @@ constexpr int kInfoSize = 0;
 constexpr int kInfoColorCheck = 1;
 constexpr int kTimerRestart = 0;
 constexpr QSRSLT kOtherStatus = 0xD0;
+// The largest width or height that a device is believed: 22 metres at 1200 dpi. Sizes in bytes of such lines fit an
+// int, and a page is not made huge by a damaged number.
+constexpr std::uint32_t kMostPixels = 0xFFFFF;
+
+int believedPixels(std::uint32_t told) { return static_cast<int>(std::min(told, kMostPixels)); }
 
 }  // namespace
 
@@ -70,15 +75,15 @@ QSRSLT CReadThread_v2::StartScan() {
 QSRSLT CReadThread_v2::fetchColorProfile() {
   const bool wanted = (m_userParam.wantColorProfile & 0xFF) != 0;
   if (!wanted || m_capability.imageProcFunc.colorProfileOutput != kPresent) return QSRSLT_SUCCESS;
-  // The exchange with the device goes on without the lock, so that the caller's question is answered at once.
-  ICCPROFIE fetched{};
-  setColorProfile(fetched);
-  const QSRSLT result = CScanParam().GetColorProfile(m_pScanCmd, &fetched, m_capability);
-  setColorProfile(fetched);
+  // The lock is not held while the device is asked: GetColorProfile answers at once meanwhile.
+  setIccProfile({});
+  ICCPROFIE profile{};
+  const QSRSLT result = CScanParam().GetColorProfile(m_pScanCmd, &profile, m_capability);
+  if (result == 0) setIccProfile(profile);
   return result;
 }
 
-void CReadThread_v2::setColorProfile(const ICCPROFIE& profile) {
+void CReadThread_v2::setIccProfile(const ICCPROFIE& profile) {
   const std::lock_guard<std::mutex> lock(m_iccMutex);
   m_iccProfile = profile;
 }
@@ -176,9 +181,7 @@ QSRSLT CReadThread_v2::WriteDataBlockToImageDataArray(const IMAGE_HEADER& header
   if (page.IsHandedOver() || page.GetIsBlankPage()) return QSRSLT_SUCCESS;  // its end has come before
   CImageDataStore& store = *page.m_pCurrentStore;
   const bool isJpeg = compress == static_cast<std::uint32_t>(kCompressJpeg);
-  // Unsigned, since a size record may have set any height.
-  const auto newHeight =
-      static_cast<int>(isJpeg ? header.heightSoFar : static_cast<unsigned>(store.GetHeightPixel()) + 1);
+  const int newHeight = isJpeg ? believedPixels(header.heightSoFar) : store.GetHeightPixel() + 1;
   if (!CPaperSize().IsSupportImageSize(m_userParam.resolution.y, m_deviceParam.resolution.y,
                                        static_cast<unsigned>(newHeight), &m_userParam)) {
     page.SetPageScanIsTerminated(true);
@@ -195,7 +198,7 @@ QSRSLT CReadThread_v2::WriteDataBlockToImageDataArray(const IMAGE_HEADER& header
 QSRSLT CReadThread_v2::writeJpeg(CImageDataStore& store, const IMAGE_HEADER& header, int newHeight) {
   g_ScanDevApiLog.WriteDump(header.data, static_cast<int>(header.dataSize), "DumpJpg", static_cast<int>(header.pageNo));
   const QSRSLT result = store.WriteJpegBlock(header.data, header.dataSize);
-  if (header.widthPixel != 0) store.UpdateWidthPixel(static_cast<int>(header.widthPixel));
+  if (header.widthPixel != 0) store.UpdateWidthPixel(believedPixels(header.widthPixel));
   // Kept: the data is written whole also above the limit; only the height is held back, and the decoder honours it.
   if (newHeight != 0) store.UpdateHeightPixel(isAboveLimit(newHeight) ? m_requestedHeight : newHeight);
   return result;
@@ -212,7 +215,7 @@ QSRSLT CReadThread_v2::writeLine(CImageDataStore& store, const IMAGE_HEADER& hea
                                  static_cast<int>(ConvertToQvSncdcCompressType(header.compress)), header.data,
                                  header.dataSize);
   }
-  if (header.widthPixel != 0) store.UpdateWidthPixel(static_cast<int>(header.widthPixel));
+  if (header.widthPixel != 0) store.UpdateWidthPixel(believedPixels(header.widthPixel));
   return result;
 }
 
@@ -256,8 +259,8 @@ bool CReadThread_v2::DispatchDataInfo(const IMAGE_HEADER& header, const PARSE_RE
     case kInfoSize: {
       if (page.IsHandedOver()) return true;
       CImageDataStore& store = *page.m_pCurrentStore;
-      if (header.widthPixel != 0) store.UpdateWidthPixel(static_cast<int>(header.widthPixel));
-      if (header.heightPixel != 0) store.UpdateHeightPixel(static_cast<int>(header.heightPixel));
+      if (header.widthPixel != 0) store.UpdateWidthPixel(believedPixels(header.widthPixel));
+      if (header.heightPixel != 0) store.UpdateHeightPixel(believedPixels(header.heightPixel));
       return true;
     }
     default:
@@ -301,7 +304,7 @@ bool CReadThread_v2::DispatchStatusCode(const IMAGE_HEADER& header, const PARSE_
 }
 
 void CReadThread_v2::endPage(const IMAGE_HEADER& header, SCANSTATUS& status) {
-  status.status = WriteImgeDataFinishProc(header.pageNo, static_cast<int>(header.heightSoFar));
+  status.status = WriteImgeDataFinishProc(header.pageNo, believedPixels(header.heightSoFar));
   if (status.status != 0) status.errPageNo = header.pageNo;
   status.lastReceivePageNo = header.pageNo;
 }
@@ -321,7 +324,8 @@ void CReadThread_v2::endScan(const IMAGE_HEADER& header, const PARSE_RESULT& rec
   } else if (record.isTimer) {
     SetScanTimeOutSec(record.timerSeconds * 1000L);
     g_ScanDevApiLog.WriteLog(1, "Scan timeout postpone. time = %d[sec]", record.timerSeconds);
-    if (record.timerKind == kTimerRestart) {
+    // Behind the end of all pages no page is incomplete, and the decoder has them.
+    if (record.timerKind == kTimerRestart && !status.scanFinished) {
       ClearImageDataFromArray(status.lastReceivePageNo + 1);
       g_ScanDevApiLog.WriteLog(1, "Delete noncomplete scan images. last page no = %d",
                                static_cast<int>(status.lastReceivePageNo));

@@ -87,6 +87,7 @@ class FakeScanCommand : public IScanCmd {
   _SCANCMD_DEVICECAP_INFO capabilityAnswer{};
   std::vector<_SCANCMD_SCANPARAM> scanParams;  // as SetScanParam was given them
   std::function<void()> onAbort = [] {};
+  std::function<void()> onGetColorProfile = [] {};
 
   bool SelectCommandVersion(SCANCMD_GENERATION generation) override {
     note("SelectCommandVersion", generation);
@@ -116,6 +117,7 @@ class FakeScanCommand : public IScanCmd {
   }
   QSRSLT GetPaletteTable(_SCANCMD_RESPONSE_INFO*) override { return note("GetPaletteTable"); }
   QSRSLT GetColorProfile(_SCANCMD_RESPONSE_INFO* response) override {
+    onGetColorProfile();
     *response = profileAnswer;
     return note("GetColorProfile");
   }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <future>
 #include <map>
 
 #include "tests/fakes/FakeCompanions.h"
@@ -245,6 +246,31 @@ TEST(ReadThread_v2, HandsOutTheProfileOfThePagesDepth) {
     EXPECT_EQ(bench.reader.GetColorProfile(nullptr, &size, 24), 0x7010000Au);
     EXPECT_EQ(bench.reader.GetColorProfile(&data, nullptr, 24), 0x7010000Au);
   }
+}
+
+TEST(ReadThread_v2, AnswersForTheProfileAtOnceWhileTheDeviceIsStillAskedForIt) {
+  auto settings = settingsFor(8, 4, 24);
+  settings.wantColorProfile = 1;
+  Bench bench(settings);
+  bench.reader.m_capability.imageProcFunc.colorProfileOutput = 2;
+  bench.profiles = fakes::tag(0x3102, {1}) + fakes::endTag();
+  std::promise<void> asked;
+  std::promise<void> answered;
+  bench.command.onGetColorProfile = [&] {
+    asked.set_value();
+    answered.get_future().wait();
+  };
+  auto started = std::async(std::launch::async, [&] { return bench.start(); });
+  asked.get_future().wait();
+  auto profile = std::async(std::launch::async, [&] {
+    void* data = nullptr;
+    int size = 0;
+    return bench.reader.GetColorProfile(&data, &size, 8);
+  });
+  EXPECT_EQ(profile.wait_for(std::chrono::seconds(5)), std::future_status::ready);
+  answered.set_value();
+  EXPECT_EQ(profile.get(), 0x1010000Du);
+  EXPECT_EQ(started.get(), 0u);
 }
 
 TEST(ReadThread_v2, HasNoProfileBeforeAScan) {

@@ -385,5 +385,69 @@ TEST(PageEnds, DataAndASecondEndAfterAPagesEndAreDropped) {
   EXPECT_EQ(outcome.pages(), (std::vector<ByteString>{expectedBmp(picture), expectedBmp(picture)}));
 }
 
+// --- Records behind the end -----------------------------------------------------------------------------------------
+
+TEST(BehindTheEnd, WhatStillComesIsFinishedToo) {
+  const Picture picture = drawPicture(8, 4, 24);
+  ScanHarness harness;
+  const Outcome late =
+      harness.scan(settingsFor(8, 4, 24), rawLines(picture, 1) + pageEnd(1) + allPagesEnd() + rawLines(picture, 2));
+  expectEnded(late, 2, "a late page");
+  EXPECT_EQ(late.deliveries[1].bytes, expectedBmp(picture));
+  const Outcome gap =
+      harness.scan(settingsFor(8, 4, 24), rawLines(picture, 1) + pageEnd(1) + allPagesEnd() + pageSize(3, 8, 4));
+  expectEnded(gap, 3, "late pages without data");
+  EXPECT_TRUE(gap.deliveries[1].record.isBlankPage);
+  EXPECT_TRUE(gap.deliveries[2].record.isBlankPage);
+}
+
+TEST(BehindTheEnd, ATimerRestartRemovesNothing) {
+  const Picture picture = drawPicture(8, 4, 24);
+  ScanHarness harness;
+  for (int round = 0; round < 20; ++round) {
+    const Outcome outcome = harness.scan(settingsFor(8, 4, 24), rawLines(picture, 1) + allPagesEnd() + timer(0x50, 5));
+    expectEnded(outcome, 1, "restart behind the end");
+    EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(picture));
+  }
+}
+
+TEST(BehindTheEnd, ASecondEndChangesNothing) {
+  const Picture picture = drawPicture(8, 4, 24);
+  ScanHarness harness;
+  const Outcome outcome = harness.scan(settingsFor(8, 4, 24),
+                                       rawLines(picture, 1) + pageEnd(1) + allPagesEnd() + pageEnd(1) + allPagesEnd());
+  expectEnded(outcome, 1, "two ends");
+  EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(picture));
+}
+
+// --- Sizes that cannot be --------------------------------------------------------------------------------------------
+
+TEST(Extremes, ASizeThatCannotBeEndsInAPageOrAFailure) {
+  const Picture picture = drawPicture(8, 4, 24);
+  const auto jpeg = module_test::encodeJpeg(module_test::drawPicture(16, 8, 3));
+  const std::uint32_t extremes[] = {0, 1, 0xFFFF, 0x7FFFFFFF, 0xFFFFFFFF};
+  ScanHarness harness;
+  for (const int paper : {PAPERTYPE_A4, PAPERTYPE_AUTO}) {
+    for (const std::uint32_t width : extremes) {
+      for (const std::uint32_t height : extremes) {
+        auto settings = settingsFor(8, 4, 24);
+        settings.paperType = static_cast<PAPERTYPE>(paper);
+        const ByteString streams[] = {
+            pageSize(1, width, height) + rawLines(picture) + pageEnd(1) + allPagesEnd(),
+            rawLines(picture) + pageSize(1, width, height) + pageEnd(1) + allPagesEnd(),
+            block(1, kJpeg | kColor, jpeg, height) + pageSize(1, width, 0) + pageEnd(1) + allPagesEnd(),
+            pageSize(1, width, height) + packedLines(picture) + allPagesEnd(),
+        };
+        for (const ByteString& stream : streams) {
+          const Outcome outcome = harness.scan(settings, stream);
+          EXPECT_FALSE(outcome.isLate) << std::hex << width << " by " << height;
+          EXPECT_EQ(outcome.deliveries.size(), 1u) << std::hex << width << " by " << height;
+          if (HasFailure()) return;
+        }
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace reception_test
