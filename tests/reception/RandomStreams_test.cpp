@@ -7,6 +7,7 @@
 #include <ctime>
 #include <random>
 
+#include "tests/modules/jpeg_pictures.h"
 #include "tests/reception/scan_harness.h"
 #include "tests/reception/scan_pictures.h"
 
@@ -63,6 +64,17 @@ class StreamMaker {
     return oneIn(15) ? below(6) : page_;
   }
 
+  std::uint32_t size() {
+    static constexpr std::uint32_t kExtremes[] = {0xFFFF, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
+    return oneIn(12) ? kExtremes[below(std::size(kExtremes))] : below(20);
+  }
+
+  // A whole one, or its beginning.
+  ByteString jpeg() {
+    static const ByteString whole = module_test::encodeJpeg(module_test::drawPicture(8, 6, 3));
+    return ByteString(whole.begin(), whole.end() - (oneIn(2) ? 0 : below(static_cast<unsigned>(whole.size()))));
+  }
+
   ByteString record() {
     static constexpr std::uint8_t kFormats[] = {0x00, 0x04, 0x05, 0x08, 0x0C, 0x0D, 0x14, 0x15, 0x91, 0x1D};
     const std::uint8_t format = kFormats[below(std::size(kFormats))];
@@ -72,9 +84,9 @@ class StreamMaker {
       case 1:
         return whiteLine(page());
       case 2:
-        return block(page(), format, bytes(below(60)), below(12));
+        return block(page(), format, oneIn(2) ? jpeg() : bytes(below(60)), size());
       case 3:
-        return pageSize(page(), below(20), below(12));
+        return pageSize(page(), size(), size());
       case 4:
         return colorCheck(page(), format);
       case 5:
@@ -86,7 +98,7 @@ class StreamMaker {
       case 8:
         return oneIn(8) ? deviceError(byte()) : pageStatus(static_cast<std::uint8_t>(0x72 + below(3)), page_);
       case 9:
-        return oneIn(8) ? status(byte()) : pageStatus(0x71, page_) + u32(8) + u32(8);
+        return oneIn(8) ? status(byte()) : oneIn(4) ? allPagesEnd() : pageStatus(0x71, page_) + u32(8) + u32(8);
       default:
         return line(page(), format, bytes(below(30)), below(12));
     }
