@@ -8,6 +8,10 @@ if(QS_SANITIZE)
   target_compile_options(qs_flags INTERFACE -fsanitize=${QS_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(qs_flags INTERFACE -fsanitize=${QS_SANITIZE})
 endif()
+if(QS_LIBFUZZER)
+  # The fuzzer is led by what the code under it does.
+  target_compile_options(qs_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # The core and the modules: every symbol hidden unless it is exported by name, and floating point
 # rounded once for each written operation, also where the processor could fuse two of them.

@@ -143,7 +143,10 @@ std::string words(const Json& value) {
   if (value.contains("widthMm")) return words(value["widthMm"]) + " by " + words(value["heightMm"]) + " mm";
   if (value.contains("x")) return words(value["x"]) + " by " + words(value["y"]);
   if (value.contains("oneSideMm")) {
-    return "one side " + words(value["oneSideMm"]) + " mm, both sides " + words(value["bothSidesMm"]) + " mm";
+    const auto length = [](const Json& mm) {
+      return mm.is_null() ? std::string(kSilent) : "up to " + words(mm) + " mm";
+    };
+    return "one side " + length(value["oneSideMm"]) + "; both sides " + length(value["bothSidesMm"]);
   }
   if (value.contains("min")) return words(value["min"]) + " to " + words(value["max"]);
   for (const auto& [name, member] : value.items()) text += (text.empty() ? "" : "; ") + name + " " + words(member);

@@ -60,11 +60,6 @@ void toRgb(const std::uint8_t* bgr, std::size_t bytes, std::uint8_t* rgb) {
 
 void writeFlate(const Page& page, std::FILE* stream) {
   Deflater deflater(stream);
-  if (!flateUsesPredictor(page.bitsPerPixel)) {
-    for (int y = 0; y < page.heightPx; ++y) deflater.write(page.line(y), page.lineBytes);
-    deflater.finish();
-    return;
-  }
   std::vector<std::uint8_t> above(page.lineBytes);
   std::vector<std::uint8_t> line(page.lineBytes);
   std::vector<std::uint8_t> filtered(page.lineBytes + 1, kUpFilter);

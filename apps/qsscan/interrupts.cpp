@@ -17,7 +17,11 @@ Interrupts::Interrupts() {
   struct sigaction action {};
   action.sa_handler = countRequest;
   action.sa_flags = SA_RESTART;
-  for (int i = 0; i < 3; ++i) ::sigaction(kSignals[i], &action, &before_[i]);
+  for (int i = 0; i < 3; ++i) {
+    ::sigaction(kSignals[i], nullptr, &before_[i]);
+    // What the caller had ignored, as nohup does, stays ignored.
+    if (before_[i].sa_handler != SIG_IGN) ::sigaction(kSignals[i], &action, nullptr);
+  }
 }
 
 Interrupts::~Interrupts() {

@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <optional>
 
@@ -15,7 +16,7 @@ namespace {
 
 using namespace qsscan;
 
-void printJson(const nlohmann::ordered_json& json) { std::printf("%s\n", json.dump(2).c_str()); }
+void printJson(const nlohmann::ordered_json& json) { std::printf("%s\n", jsonText(json, 2).c_str()); }
 
 void printReport(const ScanReport& report, const Options& options) {
   std::fputs(reportText(report).c_str(), stderr);
@@ -57,7 +58,12 @@ int fail(const CommandError& error, const std::optional<Options>& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::signal(SIGPIPE, SIG_IGN);  // a closed standard output is told as a failed write
+  // A closed standard output and a file that may not grow are told as failed writes.
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+  // Outside a scan there is nothing to keep. What the caller had ignored stays ignored.
+  const auto leave = [](int) { std::_Exit(static_cast<int>(ExitCode::kInterrupted)); };
+  if (std::signal(SIGINT, leave) == SIG_IGN) std::signal(SIGINT, SIG_IGN);
   std::optional<Options> options;
   try {
     options = parseCommandLine(argc, argv);

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <cstdlib>
 #include <utility>
 #include <vector>
 
@@ -13,7 +14,7 @@ namespace {
 // What CLI11 fills; names are turned into values afterwards, by tables that know the usual spellings.
 struct RawOptions {
   Options options;
-  std::string mode = "color";
+  std::string mode;
   std::string source = "auto";
   std::string binding;
   std::string paper;
@@ -22,6 +23,7 @@ struct RawOptions {
   std::string batch;
   std::string compression = "auto";
   std::string progress;
+  CLI::Option* progressOption = nullptr;
 };
 
 [[noreturn]] void refuse(const std::string& sentence) { throw CommandError(ExitCode::kUsage, sentence); }
@@ -44,9 +46,7 @@ std::string paperHelp() {
 
 void addDeviceOptions(CLI::App& app, Options& options) {
   app.add_option("-d,--device", options.device,
-                 "Device: HOST, HOST:PORT, [IPV6]:PORT, unix:PATH or usb:VVVV:PPPP[:SERIAL]")
-      ->envname("QSSCAN_DEVICE")
-      ->required();
+                 "Device: HOST, HOST:PORT, [IPV6]:PORT, unix:PATH or usb:VVVV:PPPP[:SERIAL]; without it QSSCAN_DEVICE");
   app.add_option("--library", options.library, "The scanning library, where it is not in its usual place");
   app.add_flag("--json", options.json, "Print the result as JSON on standard output");
 }
@@ -58,7 +58,7 @@ void addScanOptions(CLI::App& app, RawOptions& raw) {
   app.add_option("--batch", raw.batch, "One file for each page, named by a pattern such as page%03d.png");
   app.add_option("--resolution", wish.resolutionDpi, "Dots per inch, one of those that info lists")
       ->capture_default_str();
-  app.add_option("--mode", raw.mode, "color, gray, mono, dither or auto")->capture_default_str();
+  app.add_option("--mode", raw.mode, "color, gray, mono, dither or auto; without it the first that the device offers");
   app.add_option("--source", raw.source,
                  "auto, flatbed, adf or adf-duplex. The device itself takes paper from the feeder when there is some, "
                  "and else from the flatbed; this option chooses the margins and the position of the paper")
@@ -80,8 +80,10 @@ void addScanOptions(CLI::App& app, RawOptions& raw) {
       ->capture_default_str();
   app.add_option("--compression", raw.compression, "For PDF: auto (JPEG for color and gray) or lossless")
       ->capture_default_str();
-  app.add_flag("-p,--progress{text}", raw.progress,
-               "Tell of each page on standard error; --progress=json for programs");
+  raw.progressOption =
+      app.add_option("-p,--progress", raw.progress, "Tell of each page on standard error; --progress=json for programs")
+          ->type_name("[json]")
+          ->expected(0, 1);
 }
 
 void setPaper(RawOptions& raw) {
@@ -111,20 +113,20 @@ void setSides(RawOptions& raw) {
 
 void finishScanOptions(RawOptions& raw) {
   Options& options = raw.options;
-  const auto mode = findMode(raw.mode);
-  if (!mode) refuse("The mode \"" + raw.mode + "\" is unknown. There are color, gray, mono, dither and auto.");
-  options.wish.mode = *mode;
+  if (!raw.mode.empty()) {
+    options.wish.mode = findMode(raw.mode);
+    if (!options.wish.mode) {
+      refuse("The mode \"" + raw.mode + "\" is unknown. There are color, gray, mono, dither and auto.");
+    }
+  }
   setSides(raw);
   setPaper(raw);
   options.output = planOutput(raw.format, raw.path, raw.batch);
   if (raw.compression != "auto" && raw.compression != "lossless") refuse("The compression is auto or lossless.");
   options.writer.lossless = raw.compression == "lossless";
-  if (raw.progress == "text") {
-    options.progress = ProgressStyle::kText;
-  } else if (raw.progress == "json") {
-    options.progress = ProgressStyle::kJson;
-  } else if (!raw.progress.empty()) {
-    refuse("The progress is text or json.");
+  if (raw.progressOption->count() > 0) {
+    if (!raw.progress.empty() && raw.progress != "json") refuse("Write --progress or --progress=json.");
+    options.progress = raw.progress.empty() ? ProgressStyle::kText : ProgressStyle::kJson;
   }
   if (options.json && options.output.path == "-")
     refuse("--json and -o - both want standard output: name a file with -o.");
@@ -152,6 +154,13 @@ std::optional<Options> parseCommandLine(int argc, const char* const* argv) {
     return std::nullopt;
   } catch (const CLI::ParseError& error) {
     refuse(std::string(error.what()) + ". Try --help.");
+  }
+  if (raw.options.device.empty()) {
+    const char* device = std::getenv("QSSCAN_DEVICE");
+    if (device == nullptr || *device == '\0') {
+      refuse("Name a device with -d or in QSSCAN_DEVICE, such as -d scanner.local.");
+    }
+    raw.options.device = device;
   }
   raw.options.command = info->parsed() ? Options::Command::kInfo : Options::Command::kScan;
   if (scan->parsed()) finishScanOptions(raw);

@@ -58,8 +58,9 @@ OutputFile::~OutputFile() {
 
 void OutputFile::commit() {
   std::FILE* stream = stream_;
-  const bool flushed = std::fflush(stream) == 0;
-  const int flushError = errno;
+  // A write that failed on the way leaves nothing for the flush to fail on; the stream remembers it.
+  const bool flushed = std::fflush(stream) == 0 && std::ferror(stream) == 0;
+  const int flushError = errno != 0 ? errno : EIO;
   if (stream == stdout) {
     if (!flushed) fail("standard output", flushError);
     return;

@@ -9,6 +9,7 @@
 #include <qpdf/QPDFWriter.hh>
 
 #include "exit_codes.h"
+#include "fax_g4.h"
 #include "flate.h"
 #include "jpeg_writer.h"
 
@@ -44,14 +45,32 @@ std::string pdfDate(std::time_t now) {
 QPDFObjectHandle name(const char* text) { return QPDFObjectHandle::newName(text); }
 QPDFObjectHandle number(int value) { return QPDFObjectHandle::newInteger(value); }
 
+const char* filterName(PdfWriter::Coding coding) {
+  switch (coding) {
+    case PdfWriter::Coding::kJpeg:
+      return "/DCTDecode";
+    case PdfWriter::Coding::kFaxG4:
+      return "/CCITTFaxDecode";
+    case PdfWriter::Coding::kFlate:
+      break;
+  }
+  return "/FlateDecode";
+}
+
 // How a reader undoes the coding; null where it needs to know nothing.
 QPDFObjectHandle decodeParameters(const SpooledPage& page) {
-  if (page.coding != PdfWriter::Coding::kFlate || !flateUsesPredictor(page.bitsPerPixel)) {
-    return QPDFObjectHandle::newNull();
+  if (page.coding == PdfWriter::Coding::kFaxG4) {
+    auto parameters = QPDFObjectHandle::newDictionary();
+    parameters.replaceKey("/K", number(-1));
+    parameters.replaceKey("/Columns", number(page.widthPx));
+    parameters.replaceKey("/Rows", number(page.heightPx));
+    return parameters;
   }
+  if (page.coding != PdfWriter::Coding::kFlate) return QPDFObjectHandle::newNull();
   auto parameters = QPDFObjectHandle::newDictionary();
   parameters.replaceKey("/Predictor", number(15));
-  parameters.replaceKey("/Colors", number(page.bitsPerPixel / 8));
+  parameters.replaceKey("/Colors", number(page.bitsPerPixel == 24 ? 3 : 1));
+  parameters.replaceKey("/BitsPerComponent", number(page.bitsPerPixel == 1 ? 1 : 8));
   parameters.replaceKey("/Columns", number(page.widthPx));
   return parameters;
 }
@@ -65,7 +84,6 @@ QPDFObjectHandle makeImage(QPDF& pdf, const SpooledPage& page, SpoolFile& spool)
   dictionary.replaceKey("/Height", number(page.heightPx));
   dictionary.replaceKey("/ColorSpace", name(page.bitsPerPixel == 24 ? "/DeviceRGB" : "/DeviceGray"));
   dictionary.replaceKey("/BitsPerComponent", number(page.bitsPerPixel == 1 ? 1 : 8));
-  const auto filter = name(page.coding == PdfWriter::Coding::kJpeg ? "/DCTDecode" : "/FlateDecode");
   const auto copyFromSpool = [page, &spool](Pipeline* out) {
     std::array<std::uint8_t, 1 << 16> buffer;
     std::uint64_t offset = page.offset;
@@ -79,7 +97,7 @@ QPDFObjectHandle makeImage(QPDF& pdf, const SpooledPage& page, SpoolFile& spool)
     }
     out->finish();
   };
-  image.replaceStreamData(copyFromSpool, filter, decodeParameters(page));
+  image.replaceStreamData(copyFromSpool, name(filterName(page.coding)), decodeParameters(page));
   return image;
 }
 
@@ -112,22 +130,36 @@ QPDFObjectHandle makeInformation() {
 PdfWriter::PdfWriter(std::FILE* stream, const WriterOptions& options)
     : stream_(stream), options_(options), spool_(options.scratchDir) {}
 
+PdfWriter::Coding PdfWriter::codingFor(const Page& page) const {
+  if (page.bitsPerPixel == 1) return Coding::kFaxG4;
+  return !options_.lossless && fitsJpeg(page) ? Coding::kJpeg : Coding::kFlate;
+}
+
 void PdfWriter::addPage(const Page& page) {
-  SpooledPage spooled{};
-  spooled.offset = spool_.size();
-  spooled.coding = !options_.lossless && fitsJpeg(page) ? Coding::kJpeg : Coding::kFlate;
-  spooled.widthPx = page.widthPx;
-  spooled.heightPx = page.heightPx;
-  spooled.bitsPerPixel = page.bitsPerPixel;
-  spooled.dpiX = page.dpiX;
-  spooled.dpiY = page.dpiY;
-  if (spooled.coding == Coding::kJpeg) {
-    writeJpeg(page, options_.jpegQuality, spool_.stream());
-  } else {
-    writeFlate(page, spool_.stream());
+  SpooledPage spooled = spool(page, codingFor(page));
+  // Dithered pictures grow in fax coding; the copy that loses stays unused in the spool file.
+  if (spooled.coding == Coding::kFaxG4 && spooled.bytes > page.pixels.size() / 2) {
+    const SpooledPage other = spool(page, Coding::kFlate);
+    if (other.bytes < spooled.bytes) spooled = other;
+  }
+  pages_.push_back(spooled);
+}
+
+PdfWriter::SpooledPage PdfWriter::spool(const Page& page, Coding coding) {
+  SpooledPage spooled{spool_.size(), 0, coding, page.widthPx, page.heightPx, page.bitsPerPixel, page.dpiX, page.dpiY};
+  switch (coding) {
+    case Coding::kJpeg:
+      writeJpeg(page, options_.jpegQuality, spool_.stream());
+      break;
+    case Coding::kFaxG4:
+      writeFaxG4(page, spool_.stream());
+      break;
+    case Coding::kFlate:
+      writeFlate(page, spool_.stream());
+      break;
   }
   spooled.bytes = spool_.size() - spooled.offset;
-  pages_.push_back(spooled);
+  return spooled;
 }
 
 void PdfWriter::finish() {

@@ -15,7 +15,7 @@ class PdfWriter : public DocumentWriter {
   void addPage(const Page& page) override;
   void finish() override;
 
-  enum class Coding { kJpeg, kFlate };
+  enum class Coding { kJpeg, kFlate, kFaxG4 };
   struct SpooledPage {
     std::uint64_t offset;
     std::uint64_t bytes;
@@ -25,6 +25,9 @@ class PdfWriter : public DocumentWriter {
   };
 
  private:
+  Coding codingFor(const Page& page) const;
+  SpooledPage spool(const Page& page, Coding coding);
+
   std::FILE* stream_;  // Not owned.
   WriterOptions options_;
   SpoolFile spool_;

@@ -64,7 +64,7 @@ class ScanWriter {
     if (style_ == ProgressStyle::kJson) {
       auto event = pageJson(page);
       event["event"] = "page";
-      std::fprintf(progress_, "%s\n", event.dump().c_str());
+      std::fprintf(progress_, "%s\n", jsonText(event, -1).c_str());
     }
     std::fflush(progress_);
   }
@@ -114,8 +114,8 @@ ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Options& options,
 
   ScanReport report;
   report.device = options.device;
-  ScanWriter writer(options, progress);
   const Interrupts interrupts;
+  ScanWriter writer(options, progress);
   PageQueue queue(kQueuePages, kQueueBytes);
   PageFetcher fetcher(core, settings, queue, options.wish.pages);
   std::thread fetching([&] { fetcher.run(); });

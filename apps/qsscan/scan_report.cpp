@@ -28,6 +28,10 @@ PageReport reportPage(const Page& page, double seconds) {
           page.dpiX,   page.dpiY,    page.cutAtMaximum, seconds};
 }
 
+std::string jsonText(const Json& json, int indent) {
+  return json.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
 Json pageJson(const PageReport& page) {
   return Json{{"number", page.number},
               {"widthPx", page.widthPx},
@@ -73,7 +77,8 @@ std::string reportText(const ScanReport& report) {
     text += "qsscan: " + counted(static_cast<std::size_t>(report.blankPages), "blank page") + " left out.\n";
   }
   if (!report.files.empty()) {
-    const char* verb = report.sentence.empty() ? "in" : "kept in";
+    const bool toStdout = report.files.front() == "-";
+    const char* verb = toStdout ? "sent to" : report.sentence.empty() ? "in" : "kept in";
     text += "qsscan: " + counted(report.pages.size(), "page") + " " + verb + " " + filesText(report.files) + ".\n";
   } else if (!report.sentence.empty()) {
     text += "qsscan: No page was kept.\n";

@@ -30,6 +30,9 @@ struct ScanReport {
   double seconds = 0;
 };
 
+// The text of a value; bytes of a file name that are no UTF-8 become replacement characters. indent -1 is one line.
+std::string jsonText(const nlohmann::ordered_json& json, int indent);
+
 nlohmann::ordered_json pageJson(const PageReport& page);
 nlohmann::ordered_json reportJson(const ScanReport& report);
 

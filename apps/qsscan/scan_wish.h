@@ -14,7 +14,7 @@ enum class Source { kAuto, kFlatbed, kFeeder, kFeederDuplex };
 
 struct ScanWish {
   unsigned resolutionDpi = 300;
-  orvalle_scan_api::COLORTYPE mode = orvalle_scan_api::COLORTYPE_COLOR24BIT;
+  std::optional<orvalle_scan_api::COLORTYPE> mode;  // unset: color where the device offers it, else its best
   Source source = Source::kAuto;
   bool duplex = false;  // also set by kFeederDuplex
   bool bindShortEdge = false;

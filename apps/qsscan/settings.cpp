@@ -15,6 +15,7 @@ constexpr CAP kPresent = 2;
 constexpr double kMmPerInch = 25.4;
 // Sizes are reported rounded and margins are taken off them, so a paper that is this much larger still fits.
 constexpr double kSlackMm = 5;
+constexpr double kLargestMm = 10000;
 
 [[noreturn]] void refuse(const std::string& sentence) { throw CommandError(ExitCode::kNotServed, sentence); }
 [[noreturn]] void refuseUsage(const std::string& sentence) { throw CommandError(ExitCode::kUsage, sentence); }
@@ -40,10 +41,11 @@ void checkResolution(unsigned wishedDpi, const Capability& capability) {
          listed(offered, [](unsigned dpi) { return std::to_string(dpi); }) + ".");
 }
 
-void checkMode(COLORTYPE mode, const Capability& capability) {
+COLORTYPE chooseMode(const std::optional<COLORTYPE>& wished, const Capability& capability) {
   const auto offered = offeredModes(capability);
-  if (offered.empty() || std::find(offered.begin(), offered.end(), mode) != offered.end()) return;
-  refuse(std::string("The device does not offer the mode ") + modeName(mode) + ". It offers " +
+  if (!wished) return offered.empty() ? COLORTYPE_COLOR24BIT : offered.front();
+  if (offered.empty() || std::find(offered.begin(), offered.end(), *wished) != offered.end()) return *wished;
+  refuse(std::string("The device does not offer the mode ") + modeName(*wished) + ". It offers " +
          listed(offered, [](COLORTYPE m) { return std::string(modeName(m)); }) + ".");
 }
 
@@ -145,6 +147,10 @@ void setArea(const ScanWish& wish, const Capability& capability, QS_SCANNER_PARA
   const double top = wish.topMm.value_or(0);
   const double width = wish.widthMm.value_or(wish.paper.widthMm - left);
   const double height = wish.heightMm.value_or(wish.paper.heightMm - top);
+  for (const double mm : {left, top, width, height}) {
+    // Written so that "not a number" is refused too.
+    if (!(std::abs(mm) <= kLargestMm)) refuseUsage("The area is larger than any device can scan.");
+  }
   if (left < 0 || top < 0) refuseUsage("-l and -t must not be negative.");
   checkSize(left + width, top + height, largestDocument(wish, capability), "area");
   settings.useScanArea = 1;
@@ -156,13 +162,13 @@ void setArea(const ScanWish& wish, const Capability& capability, QS_SCANNER_PARA
 }
 
 void setTone(const ScanWish& wish, const Capability& capability, QS_SCANNER_PARAMETERS& settings) {
-  if (wish.contrast != 0 && wish.mode == COLORTYPE_BLACKANDWHITE) {
+  if (wish.contrast != 0 && settings.colorType == COLORTYPE_BLACKANDWHITE) {
     refuse("The mode mono has no contrast. Use --threshold or --brightness.");
   }
   settings.brightness = wish.brightness;
   settings.contrast = wish.contrast;
   if (!wish.threshold) return;
-  if (wish.mode != COLORTYPE_BLACKANDWHITE) refuseUsage("--threshold belongs to --mode mono.");
+  if (settings.colorType != COLORTYPE_BLACKANDWHITE) refuseUsage("--threshold belongs to --mode mono.");
   const MONOTHRESHOLDSUPPORT& support = capability.monoThreshold;
   const bool reported = support.manualThresholdLevelMax > 0;
   const auto value = static_cast<std::int32_t>(*wish.threshold);
@@ -216,13 +222,12 @@ std::vector<COLORTYPE> offeredModes(const Capability& capability) {
 
 QS_SCANNER_PARAMETERS makeSettings(const ScanWish& wish, const Capability& capability, bool paperInFeeder) {
   checkResolution(wish.resolutionDpi, capability);
-  checkMode(wish.mode, capability);
   const Sources device = sourcesOf(capability);
   checkSource(wish, device);
 
   QS_SCANNER_PARAMETERS settings{};
   settings.resolution = {wish.resolutionDpi, wish.resolutionDpi};
-  settings.colorType = wish.mode;
+  settings.colorType = chooseMode(wish.mode, capability);
   settings.paperSource = chooseSource(wish, device, paperInFeeder);
   if (wish.duplex) settings.duplexType = wish.bindShortEdge ? DUPLEXTYPE_SHORT_EDGE : DUPLEXTYPE_LONG_EDGE;
   setPaper(wish, capability, settings);

@@ -52,7 +52,8 @@ void declareOptions(CLI::App& app, Options& options) {
       ->type_name("NAME|FILE")
       ->capture_default_str();
   app.add_option("--set", options.overrides, "Override a value of the profile, e.g. compressType[2]=3")
-      ->type_name("KEY=VALUE");
+      ->type_name("KEY=VALUE")
+      ->allow_extra_args(false);  // what follows is a sheet
   app.add_option("--lines", options.lines, "How lines go out where run-length coding is asked for")
       ->check(CLI::IsMember({"packbits", "raw"}))
       ->capture_default_str();
@@ -62,7 +63,8 @@ void declareOptions(CLI::App& app, Options& options) {
 
   app.add_option("--fault", options.faults,
                  "Something that goes wrong: disconnect, reset, silence or device=0xNN, then @page=N[,line=N|,byte=N]")
-      ->type_name("FAULT");
+      ->type_name("FAULT")
+      ->allow_extra_args(false);
   app.add_option("--drip", options.dripBytes, "Send in pieces of that many bytes")->type_name("BYTES");
   app.add_option("--drip-ms", options.dripMs, "Wait that long after each piece")->check(CLI::Range(0, 60000));
   app.add_option("--ppm", options.pagesPerMinute, "Pages per minute; 0 is as fast as the line allows")
@@ -106,6 +108,7 @@ UniqueFd stopOnSignals() {
   sigaddset(&signals, SIGINT);
   sigaddset(&signals, SIGTERM);
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  std::signal(SIGPIPE, SIG_IGN);  // who reads our messages may go before we do
   UniqueFd fd(::signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
   if (!fd) throw Failure("cannot listen to signals");
   return fd;

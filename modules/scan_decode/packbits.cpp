@@ -6,12 +6,13 @@
 namespace scan_decode {
 namespace {
 
-constexpr std::ptrdiff_t kBlock = 16;         // bytes that one vector move takes
-constexpr std::ptrdiff_t kLongestCode = 128;  // bytes that one code yields, a multiple of kBlock
+constexpr std::ptrdiff_t kBlock = 16;  // bytes that one vector move takes
 
-// The two fast forms move whole blocks and so may touch up to a block more than count: the caller has made sure that
-// kLongestCode bytes are there. They beat memcpy and memset with a variable count, whose call costs more than a short
-// code's work.
+constexpr std::ptrdiff_t wholeBlocks(std::ptrdiff_t count) { return (count + kBlock - 1) / kBlock * kBlock; }
+
+// The two fast forms move whole blocks and so touch up to a block more than count: the caller has made sure that
+// wholeBlocks(count) bytes are there. They beat memcpy and memset with a variable count, whose call costs more than a
+// short code's work.
 void copyBlocks(std::uint8_t* out, const std::uint8_t* in, std::ptrdiff_t count) {
   for (std::ptrdiff_t i = 0; i < count; i += kBlock) std::memcpy(out + i, in + i, kBlock);
 }
@@ -32,7 +33,7 @@ std::size_t unpackBits(std::span<const std::uint8_t> in, std::span<std::uint8_t>
     const std::uint8_t code = *from++;
     if (code < 128) {
       const std::ptrdiff_t count = code + 1;
-      if (fromEnd - from >= kLongestCode && toEnd - to >= kLongestCode) {
+      if (fromEnd - from >= wholeBlocks(count) && toEnd - to >= wholeBlocks(count)) {
         copyBlocks(to, from, count);
         from += count;
         to += count;
@@ -47,7 +48,7 @@ std::size_t unpackBits(std::span<const std::uint8_t> in, std::span<std::uint8_t>
       if (from == fromEnd) break;
       const std::ptrdiff_t count = 257 - code;
       const std::uint8_t value = *from++;
-      if (toEnd - to >= kLongestCode) {
+      if (toEnd - to >= wholeBlocks(count)) {
         fillBlocks(to, value, count);
         to += count;
         continue;

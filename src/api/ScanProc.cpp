@@ -135,7 +135,9 @@ QSRSLT CScanProc::ReadImageData(tagQS_SCAN_IMAGEDATA* image, int* pageNo) {
   g_ScanDevApiLog.WriteLog(1, ">>>>> %s >>>>> pScanBmpData = 0x%X, pPageNo = 0x%X, m_xferPageNo = %d", "ReadImageData",
                            logAddress(image), logAddress(pageNo), m_xferPageNo);
   if (image == nullptr || pageNo == nullptr) return trace.ret(QSRSLT_NULL_ARGUMENT);
-  if (m_status != kScanning && m_status != kScanningSecond) return trace.ret(QSRSLT_WRONG_STATE);
+  // The status outlives UnInitialize, the read thread does not.
+  const bool scans = m_status == kScanning || m_status == kScanningSecond;
+  if (!scans || m_pReadThread == nullptr) return trace.ret(QSRSLT_WRONG_STATE);
   FreeLastXferImageData();
   ++m_xferPageNo;
   const bool plasticCard = m_userParam.plasticCard != 0;

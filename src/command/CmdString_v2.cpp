@@ -209,7 +209,8 @@ std::string CCmdString_v2::MakeImageProcessingString(const Param& param) const {
 }
 
 std::string CCmdString_v2::MakePaperTypeString(const Param& param) const {
-  // Kept: "THOCK" is the word that devices understand.
+  // Kept: "THOCK" is the word that devices understand. It looks like a slip for THICK, which they would refuse. Pinned
+  // by CmdString_v2_values_test "EveryValueOfEveryKeyIsSentAsTheDeviceReadsIt".
   static constexpr Keyword kWords[] = {{1, "THIN"}, {2, "THOCK"}, {3, "PCARD"}};
   return line("PTYPE", wordOf(kWords, param.paperType, "NORMAL"));
 }

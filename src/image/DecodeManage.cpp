@@ -14,9 +14,9 @@ void CDecodeManage::EndStages() {
     const CWriteReadMutex_Base::WriteGuard guard(m_mutex);
     m_queue.clear();
   }
-  m_cJpegDecThread.End();
-  m_cScanDecThread.End();
-  m_cImgEnhanceThread.End();
+  m_cJpegDecThread.EndAndForget();
+  m_cScanDecThread.EndAndForget();
+  m_cImgEnhanceThread.EndAndForget();
 }
 
 QSRSLT CDecodeManage::Initialize() {
@@ -116,7 +116,7 @@ QSRSLT CDecodeManage::Queue(CImageProcThread_Base& stage, CImageData* page, QSRS
   if (page == nullptr) return QSRSLT_SUCCESS;
   const CScanError* const scanError = GetScanProcStatus();
   const SCANSTATUS status = scanError == nullptr ? SCANSTATUS{} : scanError->Get();
-  if (page->GetPageNo() == status.errPageNo || page->GetPageNo() == status.cancelPageNo) {
+  if (page->HasFailed() || page->GetPageNo() == status.errPageNo || page->GetPageNo() == status.cancelPageNo) {
     page->Settle();
     return QSRSLT_SUCCESS;
   }

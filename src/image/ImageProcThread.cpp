@@ -40,12 +40,21 @@ CImageData* CImageProcThread_Base::GetResultImageData() {
   return page;
 }
 
+void CImageProcThread_Base::EndAndForget() {
+  End();
+  m_finished.store(false);
+  m_pImage = nullptr;
+  const CWriteReadMutex_Base::WriteGuard guard(m_mutex);
+  m_queue.clear();
+}
+
 bool CImageProcThread_Base::IsPageWanted(const CScanError& scanError) const {
   const SCANSTATUS status = scanError.Get();
   return m_pImage->GetPageNo() != status.errPageNo && m_pImage->GetPageNo() != status.cancelPageNo;
 }
 
 void CImageProcThread_Base::RecordPageError(CScanError& scanError, QSRSLT result) const {
+  m_pImage->SetFailed();
   SCANSTATUS status = scanError.Get();
   status.status = result;
   status.errPageNo = m_pImage->GetPageNo();

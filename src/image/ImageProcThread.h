@@ -32,6 +32,9 @@ class CImageProcThread_Base : public CThread_Base {
   // The finished page, after joining its worker; null when there is none.
   CImageData* GetResultImageData();
 
+  // Joins the worker and forgets every page: the one in work, a finished one, and those in the queue.
+  void EndAndForget();
+
  protected:
   ~CImageProcThread_Base() = default;
 

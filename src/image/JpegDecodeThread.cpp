@@ -62,8 +62,8 @@ void CJpegDecodeThread::ThreadProc() {
     QSRSLT result = IsPageWanted(*m_pScanError) ? DecodeJpegImage(m_pImage) : QSRSLT_SUCCESS;
     CImageDataStore& raw = m_pImage->m_rawData;
     const BmpLines decoded = bmpLines(raw.GetData(), raw.GetDataSize());
-    // A failed decode leaves no BMP here and keeps its code.
-    if (m_deviceParam.colorType == COLORTYPE_TRUEGRAY && decoded.bitPerPixel == 24) {
+    // A failed decode keeps its code, also where a part of its bands is here.
+    if (result == QSRSLT_SUCCESS && m_deviceParam.colorType == COLORTYPE_TRUEGRAY && decoded.bitPerPixel == 24) {
       result = Convert24BitColorToTrueGrayImageDataStore(&raw);
     }
     return result;
@@ -235,8 +235,9 @@ QSRSLT CJpegDecodeThread::Convert24BitColorToTrueGrayImageDataStore(CImageDataSt
   Trace trace(__func__);
   const BmpLines lines = bmpLines(store->GetData(), store->GetDataSize());
   CBitmapHeader bitmap;
-  const int resX = bitmap.GetResolutionX(store->GetData(), store->GetDataSize());
-  const int resY = bitmap.GetResolutionY(store->GetData(), store->GetDataSize());
+  // The description's, since a BMP header holds them in pixels per metre, where 150 dots per inch come back as 149.
+  const int resX = store->GetResolutionX();
+  const int resY = store->GetResolutionY();
   const int height = static_cast<int>(lines.promised);
   constexpr int kGrayBits = 8;
   int headerSize = 0;

@@ -170,7 +170,7 @@ SCANDEC_OPEN CScanDecThread::CreateScanDecOpen(const CImageDataStore* source) co
   const bool askHeader = source->IsBmp() && !source->IsPackBits() && source->GetDataType() != kLineKindMono;
   int width = askHeader ? bmp.widthPx : source->GetWidthPixel();
   const int height = askHeader ? bmpHeight : source->GetHeightPixel();
-  if (width < 1) width = bmp.widthPx;
+  if (width < 1) width = CalcOutputWidth(source);
   const DecodeColor color = decodeColor(m_deviceParam.colorType);
   open.nPageNum = 1;
   open.nInResoX = static_cast<int>(m_deviceParam.resolution.x);

@@ -22,7 +22,8 @@ constexpr std::int32_t kDefaultLongPaper = 86300;
 bool hasFlatbed(const Response& r) { return (r.paperSource & 2) != 0; }
 bool hasFeeder(const Response& r) { return (r.paperSource & 1) != 0; }
 bool hasCardSlot(const Response& r) { return (r.paperSource & 4) != 0; }
-// Kept: two sides count whether or not the feeder bit is set.
+// Kept: two sides count whether or not the feeder bit is set. It looks like a missing test; with it a bed that scans
+// both sides would lose its sizes. Pinned by qdi_capability_test "TwoSidesCountWithoutAFeeder".
 bool hasDuplex(const Response& r) { return r.duplex != 0; }
 
 bool IsAvailableBit(int value, int mask) { return (value & mask) == mask; }
@@ -293,7 +294,9 @@ DEVINFO_IMAGEPROCFUNC imageProcFunc(const Response& r) {
   f.colorProfileOutput = capIf(r.colorProfile == 1);
   f.gammaRange = r.gammaRange;
   f.moireRemoval = {capIf(r.moire == 1), {r.moireMaxX, r.moireMaxY}};
-  f.toneAdjust = capIf(r.moire == 1);  // Kept: one byte answers for both functions.
+  // Kept: one byte answers for both functions, though tone has nothing to do with moire; devices tell no other. Pinned
+  // by qdi_capability_test "OneByteAnswersForMoireAndTone".
+  f.toneAdjust = capIf(r.moire == 1);
   return f;
 }
 

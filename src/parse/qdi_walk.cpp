@@ -73,8 +73,11 @@ _QDICMDRESPONSE CParseCmdRes_v2::GetQDIcommandResponse(unsigned char* data, long
              for (const TagRow& row : kTags) {
                if (row.tag != tag) continue;
                if (tag == kDocSizeMaxTag && value.declaredLength() == 0) return 0;
-               const std::size_t stride = tag == kWidenedTag ? 2 : 1;
-               for (std::size_t i = 0; i < row.readBytes; ++i) record[row.recordOffset + i * stride] = value.u8(i);
+               std::uint8_t* field = record + row.recordOffset;
+               for (std::size_t i = 0; i < row.readBytes; ++i) {
+                 *field++ = value.u8(i);
+                 if (tag == kWidenedTag) *field++ = 0;
+               }
                return row.readBytes;
              }
              return std::nullopt;

@@ -63,6 +63,9 @@ class CImageData {
   void SetAutoColorBpp(int bitPerPixel) { m_autoColorBpp = bitPerPixel; }
   int GetAutoColorBpp() const { return m_autoColorBpp; }
   void SetPageScanIsTerminated(bool isTerminated) { m_pageScanIsTerminated = isTerminated; }
+  // A stage failed on the page: no later one takes it, whatever the scan's status could still note of it.
+  void SetFailed() { m_hasFailed = true; }
+  bool HasFailed() const { return m_hasFailed; }
   void SetImageEnhanceTerminated(IMAGEENHACETERMINATEREASON reason) { m_imageEnhanceTerminated = reason; }
 
  private:
@@ -70,6 +73,7 @@ class CImageData {
   std::atomic<bool> m_isBlankPage{false};
   std::atomic<std::int32_t> m_autoColorBpp{0};
   std::atomic<bool> m_pageScanIsTerminated{false};
+  std::atomic<bool> m_hasFailed{false};
   std::atomic<IMAGEENHACETERMINATEREASON> m_imageEnhanceTerminated{IMAGEENHANCE_NOT_TERMINATED};
 
   mutable std::mutex m_ownerMutex;

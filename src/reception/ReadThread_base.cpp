@@ -50,6 +50,8 @@ QSRSLT CReadThread_base::Start(QS_SCANNER_PARAMETERS user, IScanCmd* command, ID
     m_abortClock = 0;
   }
   m_loopEnded = false;
+  m_askedPageNo = 0;
+  m_readFailure = QSRSLT_SUCCESS;
   bool started = false;
   try {
     started = CThread_Base::Start();
@@ -109,6 +111,7 @@ void CReadThread_base::readLoop(unsigned char* buffer) {
     AbortScanProc();
     int received = 0;
     if (IsDeviceReadableCondition()) received = readDevice(buffer + carry, kReadBufferBytes - carry);
+    recordReadFailure();
     AbortTimeoutProcess();
     if (!m_pScanError->IsErrorOccurred()) {
       if (received > 0) {
@@ -135,11 +138,11 @@ int CReadThread_base::readDevice(unsigned char* buffer, unsigned int room) {
   const QSRSLT lastResult = m_pDevAcs->lastResult;
   if (received == 0 && lastResult == QSRSLT_DEVICE_READ_TIME_OUT) {
     g_ScanDevApiLog.WriteLog(1, "Receive Time out occured");
-    DeviceAccessInterfaceErrorProcess(QSRSLT_RECEIVE_TIME_OUT);
+    m_readFailure = QSRSLT_RECEIVE_TIME_OUT;
   } else if (received < 0) {
     g_ScanDevApiLog.WriteLog(0, "Error occurred during receive data. ret = %d(%d)", static_cast<int>(lastResult),
                              static_cast<int>(m_pDevAcs->lastDetail));
-    DeviceAccessInterfaceErrorProcess(lastResult);
+    m_readFailure = lastResult;
   }
   return std::min(received, static_cast<int>(room));
 }
@@ -158,9 +161,17 @@ bool CReadThread_base::dispatch(unsigned char* buffer, unsigned int& carry) {
   return carry < kReadBufferBytes;
 }
 
+void CReadThread_base::recordReadFailure() {
+  if (m_readFailure == 0) return;
+  const unsigned int receivedPages = lowestOpenPage() - 1;
+  if (receivedPages > 0 && m_askedPageNo <= receivedPages) return;
+  DeviceAccessInterfaceErrorProcess(m_readFailure);
+  m_readFailure = QSRSLT_SUCCESS;
+}
+
 bool CReadThread_base::IsDeviceReadableCondition() {
-  return m_pDevAcs->IsOpen() && !m_pScanError->IsConnectionErr() && !m_pScanError->IsDeviceErr() &&
-         !m_pScanError->IsCanceled();
+  return m_readFailure == 0 && m_pDevAcs->IsOpen() && !m_pScanError->IsConnectionErr() &&
+         !m_pScanError->IsDeviceErr() && !m_pScanError->IsCanceled();
 }
 
 void CReadThread_base::DeviceAccessInterfaceErrorProcess(QSRSLT code) {
@@ -187,11 +198,16 @@ QSRSLT CReadThread_base::AbortScanProc() {
     g_ScanDevApiLog.WriteLog(1, "Abort Trigger is true");
     m_abortTrigger = false;
   }
+  // There is nothing to stop any more; the command would only open the device again.
+  if (m_pScanError->IsAllPageEnd()) return QSRSLT_SUCCESS;
   const QSRSLT result = m_pScanCmd->AbortScanning(ejectionType());
   if (result == 0) {
     const std::lock_guard<std::mutex> lock(m_abortMutex);
     m_abortSent = true;
     m_abortClock = std::clock();
+  } else if (!m_pDevAcs->IsOpen()) {
+    // The device was lost over the command. It is read no more, so that no read would ever tell.
+    m_readFailure = result;
   }
   return result;
 }
@@ -211,12 +227,18 @@ void CReadThread_base::AbortTimeoutProcess() {
   m_pDevAcs->Close();
 }
 
+void CReadThread_base::noteAskedPage(unsigned int pageNo) {
+  // One thread writes it.
+  if (pageNo > m_askedPageNo) m_askedPageNo = pageNo;
+}
+
 SCANAPISTATUS CReadThread_base::GetReadStatus(unsigned int pageNo) {
   const auto answer = [](SCANAPISTATUS status, const char* text) {
     g_ScanDevApiLog.WriteLog(2, "%s", text);
     return status;
   };
   if (!IsStarted()) return READY;
+  noteAskedPage(pageNo);
   const SCANSTATUS s = m_pScanError->Get();
   const bool failed = s.status != 0 || s.deviceErr != 0;
   const bool over = failed || s.canceled || m_loopEnded;
@@ -267,6 +289,7 @@ bool CReadThread_base::isDelivered(unsigned int pageNo, CImageData*& page, bool&
 
 CImageData* CReadThread_base::GetScanData(unsigned int pageNo, bool* canceled, unsigned int* result) {
   if (m_pScanError == nullptr || canceled == nullptr || result == nullptr) return nullptr;
+  noteAskedPage(pageNo);
   for (;;) {
     // Before the page is looked at: what is true here stays true.
     const bool loopEnded = m_loopEnded;
@@ -376,7 +399,15 @@ QSRSLT CReadThread_base::WaitForImageDataWritableCondition() {
     AbortTimeoutProcess();
     if (m_pScanError->IsErrorOccurred() || m_pScanError->IsCanceled()) return m_pScanError->Get().status;
     if (m_end) return QSRSLT_CANCELED;
+    if (!callerCanFreePages()) return QSRSLT_NO_PAGE_MEMORY;
   }
+}
+
+// Pages go out in order: with none in memory before the first that is still open, the caller has nothing to fetch, and
+// waiting for it would never end.
+bool CReadThread_base::callerCanFreePages() const {
+  const auto open = m_imageDataArray.begin() + static_cast<std::ptrdiff_t>(lowestOpenPage() - 1);
+  return std::any_of(m_imageDataArray.begin(), open, [](const auto& page) { return !page->IsEmpty(); });
 }
 
 CImageData* CReadThread_base::pageAt(unsigned int pageNo) const {
@@ -389,7 +420,9 @@ void CReadThread_base::appendPage(std::unique_ptr<CImageData> page) {
 }
 
 unsigned int CReadThread_base::lowestOpenPage() const {
-  const auto isOpen = [](const auto& page) { return !page->IsHandedOver() && !page->GetIsBlankPage(); };
+  const auto isOpen = [](const auto& page) {
+    return !page->IsHandedOver() && !page->IsSettled() && !page->GetIsBlankPage();
+  };
   const auto open = std::find_if(m_imageDataArray.begin(), m_imageDataArray.end(), isOpen);
   return static_cast<unsigned>(open - m_imageDataArray.begin()) + 1;
 }

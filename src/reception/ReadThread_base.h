@@ -7,6 +7,9 @@
 // The loop has no sleep of its own: after the device has closed it runs on the decode manager until End. It reads no
 // further while too many pages wait in memory; the device is not told, it simply is not read.
 //
+// A failed read is recorded once the caller asks for a page behind those that were received whole: a recorded
+// connection failure answers every page, and pages that came before it must not be lost to it.
+//
 // After a failure or a cancellation every page number is answered in bounded time: a finished page as it is, a page
 // that a stage still has once it is finished, every other with the failure or the cancellation.
 //
@@ -60,7 +63,8 @@ class CReadThread_base : public IReadThread {
   // Pages that hold memory and that the caller has not freed.
   unsigned int GetCountOfNotXferedImageData();
   bool IsImageDataWritableCondition();
-  // Waits until fewer pages are held. 0, or the code that ends the wait.
+  // Waits until fewer pages are held. 0, or the code that ends the wait: 0x30402001 when the pages in memory are all
+  // behind one that is still open, so that the caller cannot free any.
   QSRSLT WaitForImageDataWritableCondition();
 
   // The page, or null. Read thread.
@@ -89,6 +93,9 @@ class CReadThread_base : public IReadThread {
   bool dispatch(unsigned char* buffer, unsigned int& carry);
   bool IsDeviceReadableCondition();
   void DeviceAccessInterfaceErrorProcess(QSRSLT code);
+  void recordReadFailure();
+  void noteAskedPage(unsigned int pageNo);
+  bool callerCanFreePages() const;
   QSRSLT AbortScanProc();
   void AbortTimeoutProcess();
   SCANCMD_EJECTION_TYPE ejectionType() const;
@@ -105,8 +112,12 @@ class CReadThread_base : public IReadThread {
   bool m_abortSent = false;     // guarded by m_abortMutex
   long m_abortClock = 0;        // guarded by m_abortMutex; 0 while no abort is pending
 
-  std::atomic<bool> m_loopEnded{false};  // no page moves any more
-  long m_receiveTimeOut = 90000;         // ms; read thread only
+  std::atomic<bool> m_loopEnded{false};        // no page moves any more
+  std::atomic<unsigned int> m_askedPageNo{0};  // the highest page that the caller has asked for
+
+  // Read thread only.
+  long m_receiveTimeOut = 90000;          // ms
+  QSRSLT m_readFailure = QSRSLT_SUCCESS;  // of the device, not recorded yet
 };
 
 }  // namespace orvalle_scan_api

@@ -75,15 +75,15 @@ QSRSLT CReadThread_v2::StartScan() {
 QSRSLT CReadThread_v2::fetchColorProfile() {
   const bool wanted = (m_userParam.wantColorProfile & 0xFF) != 0;
   if (!wanted || m_capability.imageProcFunc.colorProfileOutput != kPresent) return QSRSLT_SUCCESS;
-  // The lock is not held while the device is asked: GetColorProfile answers at once meanwhile.
-  setIccProfile({});
-  ICCPROFIE profile{};
-  const QSRSLT result = CScanParam().GetColorProfile(m_pScanCmd, &profile, m_capability);
-  if (result == 0) setIccProfile(profile);
+  // The exchange with the device goes on without the lock, so that the caller's question is answered at once.
+  ICCPROFIE fetched{};
+  setColorProfile(fetched);
+  const QSRSLT result = CScanParam().GetColorProfile(m_pScanCmd, &fetched, m_capability);
+  setColorProfile(fetched);
   return result;
 }
 
-void CReadThread_v2::setIccProfile(const ICCPROFIE& profile) {
+void CReadThread_v2::setColorProfile(const ICCPROFIE& profile) {
   const std::lock_guard<std::mutex> lock(m_iccMutex);
   m_iccProfile = profile;
 }
@@ -133,8 +133,6 @@ QSRSLT CReadThread_v2::DispatchReceivedData(unsigned char* bytes, unsigned int s
     position = next;
     if (result != 0) break;
   }
-  // What came behind the end of all pages has no end of its own either.
-  if (m_pScanError->IsAllPageEnd()) finishOpenPages();
   *escape = nullptr;
   *escapeSize = 0;
   if (position < end) {
@@ -150,6 +148,8 @@ QSRSLT CReadThread_v2::DispatchReceivedData(unsigned char* bytes, unsigned int s
       *escapeSize = rest;
     }
   }
+  // The device is closed by then: a page that was begun behind the end of all pages gets no end of its own either.
+  if (m_pScanError->IsAllPageEnd() && !m_pScanError->IsErrorOccurred()) finishOpenPages(status);
   // The local copy may be older than what DispatchStatusCode recorded; the merge keeps the newer.
   m_pScanError->Set(status);
   return result;
@@ -275,7 +275,7 @@ bool CReadThread_v2::DispatchStatusCode(const IMAGE_HEADER& header, const PARSE_
   bool known = true;
   switch (header.dataType) {
     case kRecordAllPagesEnded:
-      finishOpenPages();
+      finishOpenPages(status);
       status.scanFinished = true;
       g_ScanDevApiLog.WriteLog(1, "Status = All Page End");
       m_pDevAcs->Close();
@@ -324,8 +324,7 @@ void CReadThread_v2::endScan(const IMAGE_HEADER& header, const PARSE_RESULT& rec
   } else if (record.isTimer) {
     SetScanTimeOutSec(record.timerSeconds * 1000L);
     g_ScanDevApiLog.WriteLog(1, "Scan timeout postpone. time = %d[sec]", record.timerSeconds);
-    // Behind the end of all pages no page is incomplete, and the decoder has them.
-    if (record.timerKind == kTimerRestart && !status.scanFinished) {
+    if (record.timerKind == kTimerRestart) {
       ClearImageDataFromArray(status.lastReceivePageNo + 1);
       g_ScanDevApiLog.WriteLog(1, "Delete noncomplete scan images. last page no = %d",
                                static_cast<int>(status.lastReceivePageNo));
@@ -355,11 +354,13 @@ QSRSLT CReadThread_v2::WriteImgeDataFinishProc(unsigned int pageNo, int height) 
   return QSRSLT_SUCCESS;
 }
 
-// At the end of all pages a page that has had no end of its own has one now.
-void CReadThread_v2::finishOpenPages() {
+// At the end of all pages a page that has had no end of its own has one now. Such a page is received: a restart or a
+// stop that still lies in the buffer must not take it away again.
+void CReadThread_v2::finishOpenPages(SCANSTATUS& status) {
   for (unsigned int pageNo = 1; pageNo <= pageCount(); ++pageNo) {
     if (!pageAt(pageNo)->GetIsBlankPage()) WriteImgeDataFinishProc(pageNo, 0);
   }
+  status.lastReceivePageNo = std::max(status.lastReceivePageNo, pageCount());
 }
 
 void CReadThread_v2::SetBlankPageFlag(unsigned int pageNo) {

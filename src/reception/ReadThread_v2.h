@@ -27,7 +27,7 @@ class CReadThread_v2 : public CReadThread_base {
  private:
   QSRSLT dispatchRecord(const IMAGE_HEADER& header, const PARSE_RESULT& result, SCANSTATUS& status);
   QSRSLT fetchColorProfile();
-  void setIccProfile(const ICCPROFIE& profile);
+  void setColorProfile(const ICCPROFIE& profile);
   void rememberHeightLimit();
   QSRSLT WriteDataBlockToImageDataArray(const IMAGE_HEADER& header);
   QSRSLT writeJpeg(CImageDataStore& store, const IMAGE_HEADER& header, int newHeight);
@@ -38,7 +38,7 @@ class CReadThread_v2 : public CReadThread_base {
   void endPage(const IMAGE_HEADER& header, SCANSTATUS& status);
   void endScan(const IMAGE_HEADER& header, const PARSE_RESULT& result, SCANSTATUS& status);
   QSRSLT WriteImgeDataFinishProc(unsigned int pageNo, int height);
-  void finishOpenPages();
+  void finishOpenPages(SCANSTATUS& status);
   void SetBlankPageFlag(unsigned int pageNo);
   void SetPageScanIsTerminated(unsigned int pageNo);
   void SetAutoColorInfo(unsigned int pageNo, int bitPerPixel);

@@ -7,8 +7,8 @@
 //      ReviseScanCmd_Area          the same, trimmed to the maximum
 //   4. GetColorProfile             where it is wanted and offered
 //   5. CreateDeviceScanParam       a copy of the settings that says what the device will deliver
-// A wish that the device cannot meet is dropped without a word; only 2 and 4 can fail. A conversion of lengths that
-// fails leaves its value as it is. All arithmetic on pixels is unsigned, 32 bits wide, and wraps.
+// A wish that the device cannot meet is dropped without a word; only 2 and 4 can fail. A failure of CConvertUnit is
+// passed over, and the value stays as that left it. All arithmetic on pixels is unsigned, 32 bits wide, and wraps.
 // Threads: reentrant, but for the two calls that talk to the device: those belong to the thread of the command object.
 //
 // Sources: scan_param_command.cpp (1), scan_param_device.cpp (2, 4), scan_param_area.cpp (3, 5), scan_param_margin.cpp.

@@ -69,7 +69,9 @@ _SCANCMD_SCANPARAM CScanParam::ConvertScanPramToCmdParam(const QS_SCANNER_PARAME
   const ScanCmdMultifeed multifeed = ConvertScanCmd_Multifeed(settings, capability);
 
   _SCANCMD_SCANPARAM cmd{};
-  cmd.osInfo = SCANCMD_OS_MAC;  // Kept: the name by which devices know this build, whatever the host runs on.
+  // Kept: the name by which devices know this driver, whatever the host runs on. Pinned by ScanParam_test "every record
+  // names the build".
+  cmd.osInfo = SCANCMD_OS_MAC;
   cmd.resolution = ConvertScanCmd_Resolution(settings);
   cmd.colorType = ConvertScanCmd_ColorType(settings);
   cmd.scanArea = ConvertScanCmd_ScanArea(settings, capability);

@@ -5,6 +5,10 @@
 #include <cstdio>
 
 #include "module_loader.h"
+#include "modules/DeviceAccess.h"
+#include "modules/ImageEnhance.h"
+#include "modules/JpegDecode.h"
+#include "modules/ScanDec.h"
 
 namespace {
 
@@ -23,22 +27,6 @@ class Module : public testing::TestWithParam<const char*> {};
 
 TEST_P(Module, ExportsItsFactoryAlone) { EXPECT_EQ(exportsOf(GetParam()), "CreateInstance\n"); }
 
-TEST_P(Module, MakesANewObjectWithEachCall) {
-  void* handle = dlopen(module_test::modulePath(GetParam()).c_str(), RTLD_NOW | RTLD_LOCAL);
-  ASSERT_NE(handle, nullptr) << dlerror();
-  const auto create = reinterpret_cast<void* (*)()>(dlsym(handle, "CreateInstance"));
-  ASSERT_NE(create, nullptr);
-  // All four interfaces begin with the virtual pointer and have the destructor first, as the core uses them.
-  struct Any {
-    virtual ~Any() = default;
-  };
-  const std::unique_ptr<void, void (*)(void*)> first(create(), [](void* p) { delete static_cast<Any*>(p); });
-  const std::unique_ptr<void, void (*)(void*)> second(create(), [](void* p) { delete static_cast<Any*>(p); });
-  EXPECT_NE(first, nullptr);
-  EXPECT_NE(second, nullptr);
-  EXPECT_NE(first.get(), second.get());
-}
-
 TEST_P(Module, DoesNotLoadTheCore) {
   ASSERT_NE(dlopen(module_test::modulePath(GetParam()).c_str(), RTLD_NOW | RTLD_LOCAL), nullptr) << dlerror();
   EXPECT_EQ(dlopen("libQsScanCoreApi.so.1", RTLD_NOW | RTLD_NOLOAD), nullptr);
@@ -46,5 +34,22 @@ TEST_P(Module, DoesNotLoadTheCore) {
 
 INSTANTIATE_TEST_SUITE_P(All, Module, testing::Values("QsDeviceAccs", "QsScanDecode", "QsJpegDecode", "QsImageEnhance"),
                          [](const auto& row) { return std::string(row.param); });
+
+template <class Interface>
+void expectNewObjects(const std::string& stem) {
+  const auto first = module_test::createInstance<Interface>(stem);
+  const auto second = module_test::createInstance<Interface>(stem);
+  EXPECT_NE(first, nullptr) << stem;
+  EXPECT_NE(second, nullptr) << stem;
+  EXPECT_NE(first, second) << stem;
+}
+
+TEST(Modules, MakeANewObjectWithEachCall) {
+  using namespace orvalle_scan_api;
+  expectNewObjects<IDeviceAccess>("QsDeviceAccs");
+  expectNewObjects<IScanDec>("QsScanDecode");
+  expectNewObjects<IJpegDecode>("QsJpegDecode");
+  expectNewObjects<IImageEnhance>("QsImageEnhance");
+}
 
 }  // namespace

@@ -164,7 +164,7 @@ TEST_F(JpegDamage, ALargeSizeWithoutItsDataEndsSoon) {
 TEST_F(JpegDamage, TooManyScansAreRefused) {
   // Each further scan costs a walk over the whole picture and only a few bytes.
   Bytes jpeg = encodeJpeg(drawPicture(64, 64, 1), {.progressive = true});
-  jpeg.resize(jpeg.size() - 2);
+  jpeg.erase(jpeg.end() - 2, jpeg.end());
   const Bytes emptyScan{0xFF, 0xDA, 0, 8, 1, 1, 0, 1, 5, 0x00, 0x00};
   for (int i = 0; i < 1000; ++i) jpeg.insert(jpeg.end(), emptyScan.begin(), emptyScan.end());
   jpeg.insert(jpeg.end(), {0xFF, 0xD9});

@@ -181,6 +181,7 @@ TEST(PaperSize, TheLengthIsMultipliedByTheWholeRatioOfTheResolutions) {
   EXPECT_FALSE(kPaper.IsSupportImageSize(1200, 600, 8402, &longPaper));  // 7001
   EXPECT_TRUE(kPaper.IsSupportImageSize(1200, 800, 16800, &longPaper));  // a ratio of 1.5 counts as 1
   EXPECT_TRUE(kPaper.IsSupportImageSize(600, 1200, 23622, &longPaper));  // a finer device changes nothing
+  EXPECT_FALSE(kPaper.IsSupportImageSize(600, 1200, 23623, &longPaper));
 }
 
 TEST(PaperSize, ADeviceResolutionOfZeroLeavesTheLengthAsItIs) {

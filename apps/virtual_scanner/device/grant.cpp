@@ -28,6 +28,12 @@ const ColorRow* findColor(ColorMode mode) {
 
 bool hasBit(std::int64_t mask, int bit) { return (mask >> bit & 1) != 0; }
 
+bool offersThreshold(const Capability& device, std::int64_t threshold) {
+  constexpr int kManualBit = 0;
+  return hasBit(device.at("monoThreshold"), kManualBit) && threshold >= device.at("monoThresholdMin") &&
+         threshold <= device.at("monoThresholdMax");
+}
+
 bool fromFeeder(const Profile& profile, PaperSource wanted, bool feederLoaded, bool bedLoaded) {
   if (wanted != PaperSource::Automatic) return wanted == PaperSource::Feeder;
   if (!profile.hasFeeder() || !profile.hasFlatbed()) return profile.hasFeeder();
@@ -62,6 +68,13 @@ std::variant<GrantedScan, std::string> grantScan(const Profile& profile, const S
   }
   if (settings.color == ColorMode::Automatic && settings.compression != Compression::Jpeg) {
     return "automatic colour needs COMP=JPEG";
+  }
+  if (settings.compression == Compression::Jpeg &&
+      !hasBit(profile.capability.at("jpegSampling"), static_cast<int>(settings.jpegSampling))) {
+    return "jpegSampling of the profile does not offer this JSF";
+  }
+  if (settings.threshold && !offersThreshold(profile.capability, *settings.threshold)) {
+    return "monoThreshold of the profile does not offer this THRS";
   }
   const bool isFed = fromFeeder(profile, settings.source, feederLoaded, bedLoaded);
   if (isFed && !profile.hasFeeder()) return "this device has no feeder";

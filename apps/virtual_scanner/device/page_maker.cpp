@@ -12,15 +12,17 @@
 namespace vscan {
 namespace {
 
-int pixelsAt(int pixels, double fromDpi, int toDpi) {
-  return std::max(1, static_cast<int>(std::min(1e8, std::round(pixels * toDpi / fromDpi))));
-}
+// One axis of a sheet at the granted resolution. What does not fit on the device is not drawn: such a sheet lies
+// against the left or the top edge, so that it is its beginning that stays.
+struct Axis {
+  int targetPx = 0;
+  double spanPx = 0;  // of the sheet's own pixels
+};
 
-Size sizeAt(const Sheet& sheet, const GrantedScan& scan) {
-  const Size size{pixelsAt(sheet.pixels.widthPx, sheet.dpiX, scan.dpiX),
-                  pixelsAt(sheet.pixels.heightPx, sheet.dpiY, scan.dpiY)};
-  checkSheetSize("the sheet at this resolution", size.widthPx, size.heightPx);
-  return size;
+Axis axisAt(int sheetPx, double sheetDpi, int dpi, int maximumPx) {
+  const double wholePx = std::max(1.0, std::round(sheetPx * dpi / sheetDpi));
+  const int targetPx = static_cast<int>(std::min<double>(wholePx, maximumPx));
+  return {targetPx, sheetPx * (targetPx / wholePx)};
 }
 
 // The sheet's pixels at the granted resolution; a bed or a back with nothing on it is white all over.
@@ -28,10 +30,11 @@ Raster pixelsOf(const GrantedScan& scan, const PageSource& source) {
   const Face& measured = source.face.file ? source.face : source.sizeFrom;
   if (!measured.file) return Raster(scan.maximum.widthPx, scan.maximum.heightPx, 1, 255);
   Sheet sheet = measured.file->load(measured.page, scan.dpiX, scan.dpiY);
-  const Size size = sizeAt(sheet, scan);
-  if (!source.face.file) return Raster(size.widthPx, size.heightPx, 1, 255);
-  if (size == Size{sheet.pixels.widthPx, sheet.pixels.heightPx}) return std::move(sheet.pixels);
-  return resample(sheet.pixels, size.widthPx, size.heightPx);
+  const Axis x = axisAt(sheet.pixels.widthPx, sheet.dpiX, scan.dpiX, scan.maximum.widthPx);
+  const Axis y = axisAt(sheet.pixels.heightPx, sheet.dpiY, scan.dpiY, scan.maximum.heightPx);
+  if (!source.face.file) return Raster(x.targetPx, y.targetPx, 1, 255);
+  if (x.targetPx == sheet.pixels.widthPx && y.targetPx == sheet.pixels.heightPx) return std::move(sheet.pixels);
+  return resample(sheet.pixels, {x.spanPx, y.spanPx}, x.targetPx, y.targetPx);
 }
 
 PageColor colorOf(const ScanSettings& settings) {

@@ -1,6 +1,7 @@
 #include "image/resample.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace vscan {
@@ -30,8 +31,8 @@ Taps normalised(int first, const std::vector<double>& shares) {
   return taps;
 }
 
-std::vector<Taps> tapsFor(int sourcePx, int targetPx) {
-  const double scale = static_cast<double>(sourcePx) / targetPx;
+std::vector<Taps> tapsFor(int sourcePx, double spanPx, int targetPx) {
+  const double scale = spanPx / targetPx;
   std::vector<Taps> all;
   all.reserve(static_cast<std::size_t>(targetPx));
   for (int i = 0; i < targetPx; ++i) {
@@ -50,28 +51,31 @@ std::vector<Taps> tapsFor(int sourcePx, int targetPx) {
   return all;
 }
 
-Raster resampleWidth(const Raster& source, int widthPx) {
-  Raster target(widthPx, source.heightPx, source.channels);
-  const auto taps = tapsFor(source.widthPx, widthPx);
-  const int channels = source.channels;
-  for (int y = 0; y < source.heightPx; ++y) {
-    std::uint8_t* out = target.line(y);
-    for (const Taps& tap : taps) {
-      const std::uint8_t* in =
-          source.line(y) + static_cast<std::size_t>(tap.first) * static_cast<std::size_t>(channels);
-      std::uint32_t sums[3] = {kOne / 2, kOne / 2, kOne / 2};
-      for (const std::uint32_t weight : tap.weights) {
-        for (int c = 0; c < channels; ++c) sums[c] += weight * *in++;
-      }
-      for (int c = 0; c < channels; ++c) *out++ = static_cast<std::uint8_t>(sums[c] >> kWeightBits);
+template <int kChannels>
+void resampleLine(const std::uint8_t* source, const std::vector<Taps>& taps, std::uint8_t* out) {
+  for (const Taps& tap : taps) {
+    const std::uint8_t* in = source + static_cast<std::size_t>(tap.first) * kChannels;
+    std::array<std::uint32_t, kChannels> sums;
+    sums.fill(kOne / 2);
+    for (const std::uint32_t weight : tap.weights) {
+      for (std::size_t c = 0; c < kChannels; ++c) sums[c] += weight * in[c];
+      in += kChannels;
     }
+    for (const std::uint32_t sum : sums) *out++ = static_cast<std::uint8_t>(sum >> kWeightBits);
   }
+}
+
+Raster resampleWidth(const Raster& source, double spanPx, int widthPx) {
+  Raster target(widthPx, source.heightPx, source.channels);
+  const auto taps = tapsFor(source.widthPx, spanPx, widthPx);
+  const auto resampleOne = source.channels == 3 ? resampleLine<3> : resampleLine<1>;
+  for (int y = 0; y < source.heightPx; ++y) resampleOne(source.line(y), taps, target.line(y));
   return target;
 }
 
-Raster resampleHeight(const Raster& source, int heightPx) {
+Raster resampleHeight(const Raster& source, double spanPx, int heightPx) {
   Raster target(source.widthPx, heightPx, source.channels);
-  const auto taps = tapsFor(source.heightPx, heightPx);
+  const auto taps = tapsFor(source.heightPx, spanPx, heightPx);
   const std::size_t bytes = source.lineBytes();
   std::vector<std::uint32_t> sums(bytes);
   for (int y = 0; y < heightPx; ++y) {
@@ -90,15 +94,12 @@ Raster resampleHeight(const Raster& source, int heightPx) {
 
 }  // namespace
 
-Raster resample(const Raster& source, int widthPx, int heightPx) {
-  const bool changesWidth = widthPx != source.widthPx;
-  const bool changesHeight = heightPx != source.heightPx;
-  if (!changesWidth && !changesHeight) return source;
-  if (!changesHeight) return resampleWidth(source, widthPx);
-  if (!changesWidth) return resampleHeight(source, heightPx);
+Raster resample(const Raster& source, Span span, int widthPx, int heightPx) {
   // The direction that leaves fewer pixels goes first.
-  if (widthPx < source.widthPx) return resampleHeight(resampleWidth(source, widthPx), heightPx);
-  return resampleWidth(resampleHeight(source, heightPx), widthPx);
+  if (widthPx < source.widthPx) {
+    return resampleHeight(resampleWidth(source, span.widthPx, widthPx), span.heightPx, heightPx);
+  }
+  return resampleWidth(resampleHeight(source, span.heightPx, heightPx), span.widthPx, widthPx);
 }
 
 }  // namespace vscan

@@ -5,7 +5,13 @@
 
 namespace vscan {
 
-// Both sizes have to be above 0. The same size gives the same pixels.
-Raster resample(const Raster& source, int widthPx, int heightPx);
+// The part of a picture, from its top left corner, that becomes the target: in pixels, and above 0.
+struct Span {
+  double widthPx = 0;
+  double heightPx = 0;
+};
+
+// Both sizes have to be above 0. A span of just as many pixels gives these pixels.
+Raster resample(const Raster& source, Span span, int widthPx, int heightPx);
 
 }  // namespace vscan

@@ -1,12 +1,13 @@
 #include "net/connection.h"
 
+#include <linux/sockios.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <thread>
 
 namespace vscan {
 namespace {
@@ -59,9 +60,16 @@ bool Connection::send(std::span<const std::uint8_t> bytes) {
     const std::size_t count = drip_.chunkBytes == 0 ? bytes.size() : std::min(drip_.chunkBytes, bytes.size());
     if (!sendChunk(bytes.first(count))) return false;
     bytes = bytes.subspan(count);
-    if (drip_.pause.count() != 0) std::this_thread::sleep_for(drip_.pause);
+    pause(drip_.pause);
   }
   return isOpen();
+}
+
+void Connection::pause(std::chrono::milliseconds time) {
+  const auto end = Clock::now() + time;
+  short happened = 0;
+  while (Clock::now() < end && waitFor(0, end, happened)) {
+  }
 }
 
 bool Connection::sendChunk(std::span<const std::uint8_t> bytes) {
@@ -99,9 +107,20 @@ void Connection::close() {
   socket_.reset();
 }
 
+// A reset throws away what the other side has not acknowledged; the place of a fault would then be left to chance.
+void Connection::waitUntilTaken() {
+  constexpr auto kPatience = std::chrono::seconds(2);
+  const auto end = Clock::now() + kPatience;
+  int unsent = 0;
+  while (socket_ && Clock::now() < end && ::ioctl(socket_.get(), SIOCOUTQ, &unsent) == 0 && unsent > 0) {
+    pause(std::chrono::milliseconds(1));
+  }
+}
+
 void Connection::reset() {
   // A lingering time of 0 makes closing a TCP connection a reset; a Unix socket has no such thing and is just closed.
   const linger atOnce{1, 0};
+  waitUntilTaken();
   if (socket_) ::setsockopt(socket_.get(), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
   socket_.reset();
 }

@@ -41,11 +41,14 @@ class Connection {
   void playDead();
 
   void close();  // what was sent still arrives
-  void reset();  // the host sees a broken connection
+  void reset();  // the host sees a broken connection behind what was sent
 
   bool isOpen() const { return static_cast<bool>(socket_); }
 
  private:
+  void pause(std::chrono::milliseconds time);
+  void waitUntilTaken();
+
   // Waits until one of the poll events, the time or input that was read. False when the connection is over.
   bool waitFor(short events, std::optional<Clock::time_point> until, short& happened);
   bool readInput();

@@ -119,7 +119,9 @@ Listener Listener::onUnix(const std::string& path) {
 UniqueFd Listener::accept() const {
   UniqueFd host(::accept4(fd_.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
   const int on = 1;
-  if (host) ::setsockopt(host.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);  // refused by a Unix socket, no harm
+  // A Unix socket refuses the first and has no use for the second; neither does harm.
+  if (host) ::setsockopt(host.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+  if (host) ::setsockopt(host.get(), SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
   return host;
 }
 

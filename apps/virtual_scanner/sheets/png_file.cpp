@@ -119,6 +119,7 @@ class PngFile final : public SheetFile {
     Header header;
     if (!reader.readHeader(file.get(), header)) throw Failure(path() + " is broken: " + reader.errorText());
     checkSheetSize(path(), header.widthPx, header.heightPx);
+    if (header.channels != 1 && header.channels != 3) throw Failure(path() + " is of a kind that cannot be read");
     Raster pixels(static_cast<int>(header.widthPx), static_cast<int>(header.heightPx), header.channels);
     if (!reader.readPixels(pixels.pixels.data(), pixels.lineBytes(), header.heightPx)) {
       throw Failure(path() + " is broken: " + reader.errorText());

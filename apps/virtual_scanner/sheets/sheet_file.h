@@ -12,7 +12,7 @@ namespace vscan {
 inline constexpr double kAssumedDpi = 300;
 
 // More pixels than any sheet on a scanner's glass has: beyond it a file is taken as broken.
-inline constexpr std::int64_t kMaxSheetPixels = 500'000'000;
+inline constexpr std::int64_t kMaxSheetPixels = 250'000'000;
 
 class SheetFile {
  public:

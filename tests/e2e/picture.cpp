@@ -1,0 +1,72 @@
+#include "picture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace e2e {
+
+std::string difference(const Picture& expected, const Picture& actual) {
+  const auto size = [](const Picture& p) {
+    return std::to_string(p.widthPx) + " x " + std::to_string(p.heightPx) + " with " + std::to_string(p.channels) +
+           " channel(s)";
+  };
+  if (size(expected) != size(actual)) return size(expected) + " expected, but it is " + size(actual);
+  const auto [mine, theirs] =
+      std::mismatch(expected.pixels.begin(), expected.pixels.end(), actual.pixels.begin(), actual.pixels.end());
+  if (mine == expected.pixels.end()) return "";
+  const auto index = static_cast<std::size_t>(mine - expected.pixels.begin());
+  const std::size_t line = index / expected.lineBytes();
+  std::size_t wrong = 0;
+  for (std::size_t i = 0; i < expected.pixels.size(); ++i) wrong += expected.pixels[i] != actual.pixels[i];
+  return std::to_string(wrong) + " samples differ, the first in line " + std::to_string(line) + ", byte " +
+         std::to_string(index % expected.lineBytes()) + ": " + std::to_string(*mine) + " expected, but it is " +
+         std::to_string(*theirs);
+}
+
+double psnrDb(const Picture& a, const Picture& b) {
+  if (a.widthPx != b.widthPx || a.heightPx != b.heightPx || a.channels != b.channels || a.pixels.empty()) return 0;
+  double squares = 0;
+  for (std::size_t i = 0; i < a.pixels.size(); ++i) {
+    const double error = static_cast<double>(a.pixels[i]) - static_cast<double>(b.pixels[i]);
+    squares += error * error;
+  }
+  if (squares == 0) return 999;
+  return 10 * std::log10(255.0 * 255.0 * static_cast<double>(a.pixels.size()) / squares);
+}
+
+Picture turnedHalfway(const Picture& picture) {
+  Picture turned = picture;
+  for (int y = 0; y < picture.heightPx; ++y) {
+    for (int x = 0; x < picture.widthPx; ++x) {
+      std::memcpy(turned.at(picture.widthPx - 1 - x, picture.heightPx - 1 - y), picture.at(x, y),
+                  static_cast<std::size_t>(picture.channels));
+    }
+  }
+  return turned;
+}
+
+Picture cutOut(const Picture& picture, int left, int top, int widthPx, int heightPx) {
+  Picture cut(widthPx, heightPx, picture.channels, picture.dpi);
+  for (int y = 0; y < heightPx; ++y) std::memcpy(cut.at(0, y), picture.at(left, top + y), cut.lineBytes());
+  return cut;
+}
+
+Picture withoutIdleColor(const Picture& picture) {
+  if (picture.channels == 1) return picture;
+  Picture grey(picture.widthPx, picture.heightPx, 1, picture.dpi);
+  for (std::size_t i = 0; i < grey.pixels.size(); ++i) {
+    const std::uint8_t* rgb = picture.pixels.data() + 3 * i;
+    if (rgb[0] != rgb[1] || rgb[1] != rgb[2]) return picture;
+    grey.pixels[i] = rgb[0];
+  }
+  return grey;
+}
+
+Picture blackAndWhite(const Picture& grey, int level) {
+  Picture cut = grey;
+  for (auto& sample : cut.pixels) sample = sample < level ? 0 : 255;
+  return cut;
+}
+
+}  // namespace e2e

@@ -1,0 +1,513 @@
+#include "image/ScanDecThread.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "tests/fakes/fake_scan_dec.h"
+#include "tests/fakes/test_bmp.h"
+#include "tests/image/stage_run.h"
+
+using namespace orvalle_scan_api;
+using fakes::ByteVector;
+using fakes::FakeScanDec;
+
+namespace {
+
+struct LineStage : ::testing::Test {
+  fakes::Settings settings;
+  CScanError scanError;
+  FakeScanDec decoder;
+  CScanDecThread stage;  // ended before the decoder goes
+  CImageData page;
+
+  LineStage() { page.SetPageNo(1); }
+
+  // PackBits records of one kind; each line is filled with its number.
+  void receiveLines(int count, int width, COLORTYPE color = COLORTYPE_COLOR24BIT, int kind = 5, int code = 3) {
+    const auto lineBytes = fakes::lineBytesOf(width, bitsOfColorType(color));
+    page.m_rawData.StartWriteData(300, 300, width, 0, color, static_cast<std::uint32_t>(kind),
+                                  static_cast<std::uint32_t>(code));
+    for (int i = 1; i <= count; ++i) {
+      const ByteVector line(lineBytes, static_cast<std::uint8_t>(i));
+      ASSERT_EQ(page.m_rawData.WriteLineData(kind, code, line.data(), static_cast<unsigned>(lineBytes)), 0u);
+    }
+    page.m_rawData.FinishWriteData(false, 0);
+  }
+  void receiveBmp(int width, int height, int bpp, const ByteVector& pixels, int kind) {
+    const COLORTYPE color = bpp == 24 ? COLORTYPE_COLOR24BIT : COLORTYPE_TRUEGRAY;
+    const ByteVector bmp = fakes::makeBmp(width, height, bpp, pixels);
+    page.m_rawData.StartWriteData(300, 300, width, height, color, static_cast<std::uint32_t>(kind), 2);
+    ASSERT_EQ(page.m_rawData.WriteDataBlock(bmp.data(), static_cast<unsigned>(bmp.size())), 0u);
+    page.m_rawData.FinishWriteData(false, 0);
+  }
+  SCANSTATUS run() {
+    stage.WriteImage(&page);
+    EXPECT_EQ(stage.Start1Image(settings.user, settings.device, &scanError, &decoder), 0u);
+    EXPECT_EQ(fakes::collect(stage), &page);
+    return scanError.Get();
+  }
+  ByteVector decoded() const {
+    const CImageDataStore& store = page.m_decodedData;
+    return store.IsEmpty() ? ByteVector() : ByteVector(store.GetData(), store.GetData() + store.GetDataSize());
+  }
+};
+
+// The bytes of lines filled with their numbers, from first to last, up or down.
+ByteVector numberedLines(int first, int last, std::size_t lineBytes) {
+  ByteVector pixels;
+  const int step = first <= last ? 1 : -1;
+  for (int i = first; i != last + step; i += step) pixels.insert(pixels.end(), lineBytes, static_cast<std::uint8_t>(i));
+  return pixels;
+}
+
+TEST_F(LineStage, LinesBecomeABmpWithTheBottomLineFirst) {
+  receiveLines(4, 5);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(decoded(), fakes::makeBmp(5, 4, 24, numberedLines(4, 1, 15)));
+  EXPECT_EQ(page.m_pCurrentStore, &page.m_decodedData);
+  EXPECT_EQ(page.m_decodedData.GetStatus(), 2);
+  EXPECT_EQ(page.m_decodedData.GetCompressType(), 2u);
+  EXPECT_EQ(page.m_decodedData.GetDataType(), 5u);
+  EXPECT_TRUE(page.m_rawData.IsEmpty());
+  EXPECT_EQ(decoder.opens, 1);
+  EXPECT_EQ(decoder.closes, 1);
+  EXPECT_EQ(decoder.pageEnds, 1);
+  ASSERT_EQ(decoder.inputs.size(), 4u);
+  EXPECT_EQ(decoder.inputs[0].comp, 3);
+  EXPECT_EQ(decoder.inputs[0].kind, 5);
+  EXPECT_EQ(decoder.inputs[3].bytes, ByteVector(15, 4));
+}
+
+TEST_F(LineStage, EveryDepthGetsItsHeaderAndPalette) {
+  struct Row {
+    COLORTYPE color;
+    int kind, bpp;
+  };
+  for (const Row& row :
+       {Row{COLORTYPE_BLACKANDWHITE, 1, 1}, Row{COLORTYPE_ERRORDIFFUSION, 1, 1}, Row{COLORTYPE_TRUEGRAY, 7, 8},
+        Row{COLORTYPE_COLOR256, 7, 8}, Row{COLORTYPE_COLOR24BIT, 6, 24}, Row{COLORTYPE_AUTO, 6, 24}}) {
+    page.m_pCurrentStore = &page.m_rawData;
+    settings.device.colorType = row.color;
+    receiveLines(3, 13, row.color, row.kind);
+    EXPECT_EQ(run().status, 0u);
+    EXPECT_EQ(decoded(), fakes::makeBmp(13, 3, row.bpp, numberedLines(3, 1, fakes::lineBytesOf(13, row.bpp))))
+        << row.color;
+  }
+}
+
+TEST_F(LineStage, ABmpIsReadLineByLineFromTheFirstInMemory) {
+  receiveBmp(5, 3, 24, numberedLines(1, 3, 15), 5);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(decoded(), fakes::makeBmp(5, 3, 24, numberedLines(3, 1, 15)));
+  EXPECT_EQ(decoder.inputs[0].comp, 2);
+  EXPECT_EQ(decoder.inputs[0].kind, 5);
+  EXPECT_EQ(decoder.inputs[0].bytes, ByteVector(15, 1));
+}
+
+TEST_F(LineStage, UncompressedLineRecordsAreNotTakenForABmp) {
+  settings.device.colorType = COLORTYPE_COLOR256;
+  receiveLines(3, 8, COLORTYPE_COLOR256, 7, 2);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(decoder.seenOpen.dwInLinePixCnt, 8u);
+  EXPECT_EQ(decoder.seenOpen.dwInHeightPixCnt, 3u);
+  EXPECT_EQ(decoded(), fakes::makeBmp(8, 3, 8, numberedLines(3, 1, 8)));
+}
+
+TEST_F(LineStage, TheBackOfASheetBoundOnTheShortEdgeIsMirroredAndNothingElse) {
+  struct Row {
+    DUPLEXTYPE type;
+    unsigned pageNo;
+    bool mirrored;
+  };
+  const Row kRows[] = {{DUPLEXTYPE_SIMPLEX, 1, false},    {DUPLEXTYPE_SIMPLEX, 2, false},
+                       {DUPLEXTYPE_LONG_EDGE, 1, false},  {DUPLEXTYPE_LONG_EDGE, 2, false},
+                       {DUPLEXTYPE_SHORT_EDGE, 1, false}, {DUPLEXTYPE_SHORT_EDGE, 2, true},
+                       {DUPLEXTYPE_SHORT_EDGE, 3, false}, {DUPLEXTYPE_SHORT_EDGE, 4, true}};
+  const ByteVector pixels = {1, 2, 3, 4, 5, 6};  // 2 by 3 grey pixels
+  settings.device.colorType = COLORTYPE_TRUEGRAY;
+  for (const Row& row : kRows) {
+    settings.user.duplexType = row.type;
+    page.SetPageNo(row.pageNo);
+    page.m_pCurrentStore = &page.m_rawData;
+    receiveBmp(2, 3, 8, pixels, 7);
+    EXPECT_EQ(run().status, 0u);
+    // Read from its end, as a BMP is, the mirrored page stands on its head: turned by 180 degrees.
+    EXPECT_EQ(fakes::pixelsOf(decoded()),
+              row.mirrored ? (ByteVector{2, 1, 4, 3, 6, 5}) : (ByteVector{5, 6, 3, 4, 1, 2}))
+        << row.type << " page " << row.pageNo;
+    EXPECT_EQ(CScanDecThread::IsImageWidthInvertStatus(row.type, static_cast<int>(row.pageNo)), row.mirrored);
+    EXPECT_EQ(CScanDecThread::IsImageHeightInvertStatus(row.type, static_cast<int>(row.pageNo)), !row.mirrored);
+  }
+}
+
+TEST_F(LineStage, ExcessLinesAreDropped) {
+  receiveLines(3, 5);
+  decoder.writeAnswers = {{0, 1, -1}, {0, 4, -1}};  // 5 lines for a page of 3
+  EXPECT_EQ(run().status, 0u);
+  ByteVector expected = numberedLines(2, 2, 15);
+  expected.insert(expected.end(), 15, 2);
+  expected.insert(expected.end(), 15, 1);
+  EXPECT_EQ(decoded(), fakes::makeBmp(5, 3, 24, expected));
+}
+
+TEST_F(LineStage, AShortPageIsAShortBmp) {
+  receiveLines(5, 5);
+  page.m_rawData.UpdateHeightPixel(20);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(decoded(), fakes::makeBmp(5, 5, 24, numberedLines(5, 1, 15)));
+  EXPECT_EQ(page.m_decodedData.GetHeightPixel(), 5);
+}
+
+TEST_F(LineStage, APageWithoutALineIsWhiteInItsAnnouncedHeight) {
+  receiveLines(0, 5);
+  page.m_rawData.UpdateHeightPixel(4);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(decoded(), fakes::makeBmp(5, 4, 24, ByteVector(60, 0xFF)));
+  EXPECT_EQ(decoder.pageEnds, 1);
+}
+
+TEST_F(LineStage, LinesThatTheDecoderHoldsBackComeLater) {
+  receiveLines(4, 5);
+  decoder.writeAnswers = {{0, 0, 0}, {0, 2, -1}, {0, 0, 0}, {0, 2, -1}};
+  EXPECT_EQ(run().status, 0u);
+  ByteVector expected(30, 4);
+  expected.insert(expected.end(), 30, 2);
+  EXPECT_EQ(decoded(), fakes::makeBmp(5, 4, 24, expected));
+}
+
+TEST_F(LineStage, FlushedLinesCountOnlyWhenTheLastLineCameOut) {
+  receiveLines(2, 5);
+  decoder.writeAnswers = {{0, 0, 0}, {0, 1, -1}};
+  decoder.pageEndAnswer = {0, 1, -1};
+  EXPECT_EQ(run().status, 0u);
+  ByteVector expected(15, 0xE0);
+  expected.insert(expected.end(), 15, 2);
+  EXPECT_EQ(decoded(), fakes::makeBmp(5, 2, 24, expected));
+
+  page.m_pCurrentStore = &page.m_rawData;
+  receiveLines(2, 5);
+  decoder.writeAnswers = {{0, 1, -1}, {0, 0, 0}};  // the last line is held back for ever
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(decoded(), fakes::makeBmp(5, 1, 24, ByteVector(15, 1)));
+}
+
+TEST_F(LineStage, AFailureOnALineCancelsThePage) {
+  receiveLines(4, 5);
+  decoder.writeAnswers = {{0, 1, -1}, {-1, 1, -1}};
+  const SCANSTATUS status = run();
+  EXPECT_EQ(status.status, 0x01000000u);
+  EXPECT_EQ(status.errPageNo, 1u);
+  EXPECT_TRUE(page.m_decodedData.IsEmpty());
+  EXPECT_EQ(page.m_decodedData.GetStatus(), 2) << "finishing turns the cancelled store into a finished one";
+  EXPECT_EQ(page.m_pCurrentStore, &page.m_decodedData);
+  EXPECT_TRUE(page.m_rawData.IsEmpty());
+  EXPECT_EQ(decoder.pageEnds, 0);
+  EXPECT_EQ(decoder.closes, 1);
+}
+
+TEST_F(LineStage, LinesWithoutBytesAreAnError) {
+  receiveLines(4, 5);
+  decoder.writeAnswers = {{0, 1, 0}};
+  EXPECT_EQ(run().status, 0x70406007u);
+  EXPECT_EQ(decoder.closes, 1);
+}
+
+TEST_F(LineStage, ADecoderThatCannotBeOpenedLeavesThePageAsItIs) {
+  receiveLines(4, 5);
+  decoder.openAnswer = 0;
+  EXPECT_EQ(run().status, 0x20406001u);
+  EXPECT_EQ(page.m_pCurrentStore, &page.m_rawData);
+  EXPECT_FALSE(page.m_rawData.IsEmpty());
+  EXPECT_EQ(decoder.closes, 0);
+}
+
+TEST_F(LineStage, ADecoderThatRefusesTheSettingsOrNeedsNoBufferEndsThePage) {
+  receiveLines(4, 5);
+  decoder.setOpenAnswer = 0;
+  EXPECT_EQ(run().status, 0x30406003u);
+  EXPECT_EQ(decoder.closes, 1);
+  scanError.Reset();
+  decoder.setOpenAnswer = 1;
+  decoder.bufferBytes = 0;
+  EXPECT_EQ(run().status, 0x30406003u);
+  EXPECT_EQ(decoder.closes, 2);
+  EXPECT_EQ(page.m_pCurrentStore, &page.m_rawData);
+}
+
+TEST_F(LineStage, WhatTheDecoderClaimsIsHeldAgainstItsBuffer) {
+  struct Row {
+    const char* name;
+    FakeScanDec::Answer answer;
+    std::size_t bufferBytes;
+  };
+  // Every line of the page comes from this one answer; what is not there is white.
+  const Row kRows[] = {{"more lines than the buffer holds", {0, 3, 45}, 20},
+                       {"strides shorter than a line", {0, 3, 30}, 60},
+                       {"fewer bytes than lines", {0, 3, 2}, 60},
+                       {"bytes beyond the buffer", {0, 3, 0x7FFFFFFF}, 60},
+                       {"lines without end", {0, 0x7FFFFFFF, 0x7FFFFFFF}, 60},
+                       {"negative bytes", {0, 3, -5}, 60}};
+  for (const Row& row : kRows) {
+    page.m_pCurrentStore = &page.m_rawData;
+    receiveLines(1, 5);
+    page.m_rawData.UpdateHeightPixel(3);
+    decoder.bufferBytes = row.bufferBytes;
+    decoder.writeAnswers = {row.answer};
+    EXPECT_EQ(run().status, 0u) << row.name;
+    EXPECT_EQ(page.m_decodedData.GetHeightPixel(), 3) << row.name;
+    EXPECT_EQ(decoded().size(), 54u + 45) << row.name;
+  }
+  // The first row in full: 15 bytes of the line, 5 bytes of the next, then white, upside down.
+  page.m_pCurrentStore = &page.m_rawData;
+  receiveLines(1, 5);
+  page.m_rawData.UpdateHeightPixel(3);
+  decoder.bufferBytes = 20;
+  decoder.writeAnswers = {{0, 3, 45}};
+  EXPECT_EQ(run().status, 0u);
+  ByteVector expected(15, 0xFF);
+  expected.insert(expected.end(), 5, 0x5A);
+  expected.insert(expected.end(), 10, 0xFF);
+  expected.insert(expected.end(), 15, 1);
+  EXPECT_EQ(fakes::pixelsOf(decoded()), expected);
+}
+
+TEST_F(LineStage, TheDecoderIsToldTheDeviceFormat) {
+  struct Row {
+    COLORTYPE color;
+    int code;
+    std::size_t outBytes;
+    int brightness, contrast;
+  };
+  const Row kRows[] = {{COLORTYPE_BLACKANDWHITE, 0x101, 2, 0, 0},   {COLORTYPE_ERRORDIFFUSION, 0x102, 2, 0, 0},
+                       {COLORTYPE_TRUEGRAY, 0x208, 13, -7, 9},      {COLORTYPE_COLOR256, 0x210, 13, 0, 0},
+                       {COLORTYPE_COLOR24BIT, 0x420, 39, 0, 0},     {COLORTYPE_AUTO, 0x420, 39, 0, 0},
+                       {static_cast<COLORTYPE>(9), 0x420, 39, 0, 0}};
+  settings.user.brightness = -7;
+  settings.user.contrast = 9;
+  settings.device.resolution = {200, 100};
+  for (const Row& row : kRows) {
+    page.m_pCurrentStore = &page.m_rawData;
+    settings.device.colorType = row.color;
+    receiveLines(2, 13, row.color);
+    EXPECT_EQ(run().status, 0u);
+    const SCANDEC_OPEN& open = decoder.seenOpen;
+    EXPECT_EQ(open.reservedFirst, 0);
+    EXPECT_EQ(open.nPageNum, 1);
+    EXPECT_EQ(open.nInResoX, 200);
+    EXPECT_EQ(open.nInResoY, 100);
+    EXPECT_EQ(open.nOutResoX, 200);
+    EXPECT_EQ(open.nOutResoY, 100);
+    EXPECT_EQ(open.nColorType, row.code);
+    EXPECT_EQ(open.dwInLinePixCnt, 13u);
+    EXPECT_EQ(open.dwInHeightPixCnt, 2u);
+    EXPECT_EQ(open.reservedOne, 1);
+    EXPECT_EQ(open.nBrightness, row.brightness) << row.color;
+    EXPECT_EQ(open.nContrast, row.contrast) << row.color;
+    EXPECT_EQ(open.dwOutLineByteCnt, row.outBytes) << row.color;
+    EXPECT_STREQ(open.reservedText, "");
+  }
+}
+
+TEST_F(LineStage, OutputLinesHoldTheWholeInputWidthAndThePageIsCroppedOnTheRight) {
+  settings.device.scanArea.right = 3;
+  settings.device.colorType = COLORTYPE_TRUEGRAY;
+  receiveBmp(5, 2, 8, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, 7);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(decoder.seenOpen.dwOutLineByteCnt, 5u);
+  EXPECT_EQ(decoded(), fakes::makeBmp(3, 2, 8, {6, 7, 8, 1, 2, 3}));
+}
+
+TEST_F(LineStage, SizesThatAreNotKnownComeFromTheDeviceThenFromTheBmp) {
+  settings.device.scanArea.right = 4;
+  settings.device.scanArea.bottom = 3;
+  settings.device.resolution = {150, 100};
+  page.m_rawData.StartWriteData(0, 0, 0, 0, COLORTYPE_COLOR24BIT, 5, 3);
+  for (int i = 1; i <= 3; ++i) {
+    const ByteVector line(12, static_cast<std::uint8_t>(i));
+    ASSERT_EQ(page.m_rawData.WriteLineData(5, 3, line.data(), 12), 0u);
+  }
+  page.m_rawData.UpdateHeightPixel(0);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(page.m_decodedData.GetResolutionX(), 150);
+  EXPECT_EQ(page.m_decodedData.GetResolutionY(), 100);
+  EXPECT_EQ(page.m_decodedData.GetWidthPixel(), 4);
+  EXPECT_EQ(decoder.seenOpen.dwOutLineByteCnt, 12u);
+  EXPECT_EQ(page.m_decodedData.GetHeightPixel(), 1) << "a height of 0 ends the loop with the first line";
+
+  settings.device.scanArea = {};
+  page.m_pCurrentStore = &page.m_rawData;
+  receiveBmp(4, 3, 24, numberedLines(1, 3, 12), 5);
+  page.m_rawData.UpdateWidthPixel(0);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(decoder.seenOpen.dwOutLineByteCnt, 12u);
+  EXPECT_EQ(decoded(), fakes::makeBmp(4, 3, 24, numberedLines(3, 1, 12)));
+}
+
+TEST_F(LineStage, AResolutionOfZeroIsSurvived) {
+  settings.device.resolution = {0, 0};
+  receiveLines(2, 5);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(decoder.seenOpen.dwOutLineByteCnt, 15u);
+}
+
+TEST_F(LineStage, APageThatNobodyWantsIsLeftAlone) {
+  for (int round = 0; round < 2; ++round) {
+    scanError.Reset();
+    SCANSTATUS status{};
+    if (round == 0) {
+      status.status = 0x30402001;
+      status.errPageNo = 1;
+    } else {
+      status.canceled = true;
+      status.cancelPageNo = 1;
+    }
+    scanError.Set(status);
+    receiveLines(2, 5);
+    run();
+    EXPECT_EQ(decoder.opens, 0);
+    EXPECT_FALSE(page.m_rawData.IsEmpty());
+  }
+}
+
+TEST_F(LineStage, TheFirstFailureOfTheScanIsKept) {
+  SCANSTATUS earlier{};
+  earlier.status = 0x1040100B;
+  earlier.errPageNo = 7;
+  scanError.Set(earlier);
+  receiveLines(2, 5);
+  decoder.openAnswer = 0;
+  const SCANSTATUS status = run();
+  EXPECT_EQ(status.status, 0x1040100Bu);
+  EXPECT_EQ(status.errPageNo, 7u);
+}
+
+TEST_F(LineStage, NothingIsThrownOutOfTheThread) {
+  receiveLines(2, 5);
+  decoder.onWrite = [] { throw std::bad_alloc(); };
+  EXPECT_EQ(run().status, 0x30402001u);
+  EXPECT_EQ(decoder.closes, 1);
+  scanError.Reset();
+  page.m_pCurrentStore = &page.m_rawData;
+  receiveLines(2, 5);
+  decoder.onWrite = [] { throw std::runtime_error("no"); };
+  const SCANSTATUS status = run();
+  EXPECT_EQ(status.status, 0x30406003u);
+  EXPECT_EQ(status.errPageNo, 1u);
+}
+
+TEST_F(LineStage, APageTooLargeForMemoryIsAnErrorOfThatPage) {
+  receiveLines(1, 5);
+  page.m_rawData.UpdateWidthPixel(0x7FFFFFFF);
+  page.m_rawData.UpdateHeightPixel(0x7FFFFFFF);
+  decoder.bufferBytes = 100;
+  const SCANSTATUS status = run();
+  EXPECT_EQ(status.status, 0x30402001u);
+  EXPECT_EQ(status.errPageNo, 1u);
+}
+
+TEST_F(LineStage, RandomRecordsAndAnswersAreSurvived) {
+  std::uint32_t seed = 17;
+  const auto random = [&seed] { return seed = seed * 1664525 + 1013904223, static_cast<int>(seed >> 8 & 0xFFFF); };
+  for (int round = 0; round < 300; ++round) {
+    CImageData other;
+    other.SetPageNo(1);
+    scanError.Reset();
+    const auto color = static_cast<COLORTYPE>(random() % 6);
+    settings.device.colorType = static_cast<COLORTYPE>(random() % 6);
+    settings.device.scanArea.right = random() % 40;
+    settings.device.scanArea.bottom = random() % 40;
+    settings.user.duplexType = static_cast<DUPLEXTYPE>(random() % 3);
+    other.m_rawData.StartWriteData(300, 300, random() % 40, random() % 10, color,
+                                   static_cast<std::uint32_t>(random() % 9), static_cast<std::uint32_t>(random() % 6));
+    ByteVector garbage(static_cast<std::size_t>(1 + random() % 300));
+    for (auto& byte : garbage) byte = static_cast<std::uint8_t>(random() % 9);
+    if (random() % 3 == 0) garbage = fakes::makeBmp(random() % 50, random() % 50, 24, garbage);
+    ASSERT_EQ(other.m_rawData.WriteDataBlock(garbage.data(), static_cast<unsigned>(garbage.size())), 0u);
+    other.m_rawData.FinishWriteData(false, random() % 20);
+    decoder.bufferBytes = static_cast<std::size_t>(1 + random() % 200);
+    decoder.writeAnswers.clear();
+    for (int i = 0; i < 5; ++i) decoder.writeAnswers.push_back({random() % 20 - 1, random() % 6 - 1, random() % 300});
+    decoder.pageEndAnswer = {0, random() % 3, random() % 300};
+    stage.WriteImage(&other);
+    ASSERT_EQ(stage.Start1Image(settings.user, settings.device, &scanError, &decoder), 0u);
+    ASSERT_EQ(fakes::collect(stage), &other);
+    const CImageDataStore& store = other.m_decodedData;
+    if (scanError.Get().status == 0) {
+      const auto header = fakes::headerBytesOf(store.GetBitPerPixel());
+      EXPECT_EQ(store.GetDataSize(), header + store.GetWidthBytes() * static_cast<unsigned>(store.GetHeightPixel()));
+    }
+  }
+}
+
+TEST(ScanDecThread, NullPointersAreRefused) {
+  FakeScanDec decoder;
+  CScanError scanError;
+  CScanDecThread stage;
+  const QS_SCANNER_PARAMETERS none{};
+  EXPECT_EQ(stage.Start1Image(none, none, nullptr, &decoder), 0x30406007u);
+  EXPECT_EQ(stage.Start1Image(none, none, &scanError, nullptr), 0x30406007u);
+  EXPECT_EQ(stage.Start1Image(none, none, &scanError, &decoder), 0u) << "an empty queue";
+  EXPECT_FALSE(stage.IsStarted());
+  EXPECT_EQ(stage.GetResultImageData(), nullptr);
+}
+
+TEST(ScanDecThread, WriteAnswersAreJudgedInOrder) {
+  struct Row {
+    int result, lines;
+    std::int64_t remain;
+    int expected;
+  };
+  const Row kRows[] = {{-1, 0, 5, 3}, {-1, 5, 0, 3}, {0, 0, 0, 0}, {0, -1, 5, 0},
+                       {0, 1, 0, 2},  {0, 1, -3, 2}, {0, 1, 1, 1}, {7, 2, 9, 1}};
+  for (const Row& row : kRows) {
+    EXPECT_EQ(CScanDecThread::GetScanDecWriteStatus(row.result, row.lines, row.remain), row.expected);
+  }
+}
+
+TEST(ScanDecThread, AFinishedPageWaitsAndTheNextOneStartsAfterItWasCollected) {
+  fakes::Settings settings;
+  FakeScanDec decoder;
+  CScanError scanError;
+  CScanDecThread stage;
+  CImageData pages[3];
+  for (unsigned i = 0; i < 3; ++i) {
+    pages[i].SetPageNo(i + 1);
+    pages[i].m_rawData.StartWriteData(300, 300, 2, 1, COLORTYPE_COLOR24BIT, 5, 3);
+    stage.WriteImage(&pages[i]);
+  }
+  for (auto& page : pages) {
+    ASSERT_EQ(stage.Start1Image(settings.user, settings.device, &scanError, &decoder), 0u);
+    ASSERT_EQ(stage.Start1Image(settings.user, settings.device, &scanError, &decoder), 0u);  // nothing
+    EXPECT_TRUE(stage.IsStarted());
+    EXPECT_EQ(fakes::collect(stage), &page);
+    EXPECT_FALSE(stage.IsStarted());
+    EXPECT_EQ(stage.GetResultImageData(), nullptr);
+  }
+}
+
+TEST(ScanDecThread, AStageThatIsDestroyedInTheMiddleOfAPageJoinsItsWorker) {
+  fakes::Settings settings;
+  FakeScanDec decoder;
+  CScanError scanError;
+  CImageData page;
+  page.SetPageNo(1);
+  page.m_rawData.StartWriteData(300, 300, 2, 0, COLORTYPE_COLOR24BIT, 5, 3);
+  const ByteVector line(6, 1);
+  for (int i = 0; i < 100000; ++i) ASSERT_EQ(page.m_rawData.WriteLineData(5, 3, line.data(), 6), 0u);
+  std::atomic<int> writes{0};
+  decoder.onWrite = [&] {
+    ++writes;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  };
+  {
+    CScanDecThread stage;
+    stage.WriteImage(&page);
+    ASSERT_EQ(stage.Start1Image(settings.user, settings.device, &scanError, &decoder), 0u);
+    while (writes < 3) std::this_thread::yield();
+  }
+  EXPECT_LT(writes, 100000);
+  EXPECT_EQ(decoder.closes, 1);
+}
+
+}  // namespace

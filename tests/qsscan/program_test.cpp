@@ -1,0 +1,194 @@
+// The program as people run it, on a library without a device.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "apps/qsscan/exit_codes.h"
+#include "temporary_folder.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using namespace qsscan_test;
+using Names = std::set<std::string>;
+
+struct Finished {
+  int exitCode = -1;
+  std::string out, err;
+};
+
+class Program {
+ public:
+  // Starts the program with the fake library scripted by script; standard output and error go to files of the folder.
+  Program(const TemporaryFolder& folder, const std::string& script, std::vector<std::string> words) : folder_(folder) {
+    ::setenv("QSSCAN_FAKE", script.c_str(), 1);
+    ::setenv("QSSCAN_LIBRARY", QSSCAN_FAKE_LIBRARY, 1);
+    words.insert(words.begin(), QSSCAN_PROGRAM);
+    std::vector<char*> argv;
+    for (std::string& word : words) argv.push_back(word.data());
+    argv.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC;
+    posix_spawn_file_actions_addopen(&actions, 1, folder.file("out").c_str(), kFlags, 0666);
+    posix_spawn_file_actions_addopen(&actions, 2, folder.file("err").c_str(), kFlags, 0666);
+    // As from a terminal, whatever the one who runs the tests has set.
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    sigset_t defaults;
+    sigemptyset(&defaults);
+    sigaddset(&defaults, SIGINT);
+    posix_spawnattr_setsigdefault(&attributes, &defaults);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
+    EXPECT_EQ(::posix_spawn(&pid_, QSSCAN_PROGRAM, &actions, &attributes, argv.data(), environ), 0);
+    posix_spawnattr_destroy(&attributes);
+    posix_spawn_file_actions_destroy(&actions);
+  }
+
+  void interrupt() { ::kill(pid_, SIGINT); }
+
+  Finished wait() {
+    int status = 0;
+    ::waitpid(pid_, &status, 0);
+    Finished finished;
+    finished.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    finished.out = folder_.content("out");
+    finished.err = folder_.content("err");
+    std::filesystem::remove(folder_.file("out"));
+    std::filesystem::remove(folder_.file("err"));
+    return finished;
+  }
+
+ private:
+  const TemporaryFolder& folder_;
+  pid_t pid_ = -1;
+};
+
+// Waits until the file is there; false when it takes too long.
+bool appears(const TemporaryFolder& folder, const std::string& name) {
+  const auto until = std::chrono::steady_clock::now() + 20s;
+  while (std::chrono::steady_clock::now() < until) {
+    if (std::filesystem::exists(folder.file(name))) return true;
+    std::this_thread::sleep_for(5ms);
+  }
+  return false;
+}
+
+TEST(Program, ScansIntoAPdfAndSaysSo) {
+  const TemporaryFolder folder;
+  const std::string pdf = folder.file("a.pdf");
+  const auto finished = Program(folder, "pages=2", {"scan", "-d", "host", "-o", pdf, "-p"}).wait();
+  EXPECT_EQ(finished.exitCode, 0);
+  EXPECT_EQ(finished.out, "");
+  EXPECT_NE(finished.err.find("Page 2: 3 x 3 mm, 40 x 30 pixels, 300 dpi"), std::string::npos) << finished.err;
+  EXPECT_NE(finished.err.find("2 pages in " + pdf), std::string::npos);
+  EXPECT_EQ(folder.content("a.pdf").substr(0, 5), "%PDF-");
+}
+
+TEST(Program, StandardOutputCarriesTheDocumentAndNothingElse) {
+  const TemporaryFolder folder;
+  const auto pdf = Program(folder, "pages=2", {"scan", "-d", "host", "-o", "-"}).wait();
+  EXPECT_EQ(pdf.exitCode, 0);
+  EXPECT_EQ(pdf.out.substr(0, 5), "%PDF-");
+  EXPECT_EQ(pdf.out.substr(pdf.out.size() - 6), "%%EOF\n");
+  const auto png = Program(folder, "pages=1", {"scan", "-d", "host", "-o", "-", "--format", "png"}).wait();
+  EXPECT_EQ(png.exitCode, 0);
+  EXPECT_EQ(png.out.substr(1, 3), "PNG");
+  const auto two = Program(folder, "pages=2", {"scan", "-d", "host", "-o", "-", "--format", "png"}).wait();
+  EXPECT_EQ(two.exitCode, 10);
+  EXPECT_NE(two.err.find("Standard output takes one page"), std::string::npos);
+}
+
+TEST(Program, JsonTellsTheResultAndTheProgress) {
+  const TemporaryFolder folder;
+  const std::string pdf = folder.file("a.pdf");
+  const auto finished =
+      Program(folder, "pages=2 fail=50000002", {"scan", "-d", "host", "-o", pdf, "--json", "--progress=json"}).wait();
+  EXPECT_EQ(finished.exitCode, 4);
+  const auto json = nlohmann::json::parse(finished.out);
+  EXPECT_EQ(json["exitCode"], 4);
+  EXPECT_EQ(json["result"], "0x50000002");
+  EXPECT_EQ(json["files"], std::vector<std::string>{pdf});
+  EXPECT_EQ(json["pages"].size(), 2u);
+  const auto event = nlohmann::json::parse(finished.err.substr(0, finished.err.find('\n')));
+  EXPECT_EQ(event["event"], "page");
+  EXPECT_EQ(event["number"], 1);
+}
+
+TEST(Program, FailuresBeforeTheScanAreJsonToo) {
+  const TemporaryFolder folder;
+  const auto finished = Program(folder, "caps=40210012", {"info", "-d", "host", "--json"}).wait();
+  EXPECT_EQ(finished.exitCode, 2);
+  EXPECT_EQ(nlohmann::json::parse(finished.out)["result"], "0x40210012");
+}
+
+TEST(Program, InfoShowsTheDevice) {
+  const TemporaryFolder folder;
+  const auto text = Program(folder, "", {"info", "-d", "host"}).wait();
+  EXPECT_EQ(text.exitCode, 0);
+  EXPECT_NE(text.out.find("flatbed, adf, adf-duplex"), std::string::npos);
+  const auto json = Program(folder, "", {"info", "-d", "host", "--json"}).wait();
+  EXPECT_EQ(nlohmann::json::parse(json.out)["feederCapacity"], 50);
+}
+
+TEST(Program, AMissingOrWrongLibraryIsASentence) {
+  const TemporaryFolder folder;
+  const auto missing = Program(folder, "", {"info", "-d", "host", "--library", "/nonexistent/x.so"}).wait();
+  EXPECT_EQ(missing.exitCode, 11);
+  EXPECT_NE(missing.err.find("could not be loaded"), std::string::npos);
+  const auto wrong = Program(folder, "", {"info", "-d", "host", "--library", "/etc/passwd"}).wait();
+  EXPECT_EQ(wrong.exitCode, 11);
+}
+
+TEST(Program, CtrlCKeepsTheFinishedPages) {
+  const TemporaryFolder folder;
+  Program program(folder, "pages=100000 polls=5", {"scan", "-d", "host", "--batch", folder.file("p%d.png"), "--json"});
+  ASSERT_TRUE(appears(folder, "p5.png"));
+  program.interrupt();
+  const auto finished = program.wait();
+  EXPECT_EQ(finished.exitCode, 130);
+  const auto json = nlohmann::json::parse(finished.out);
+  EXPECT_GE(json["pages"].size(), 5u);
+  EXPECT_EQ(json["pages"].size(), json["files"].size());
+  EXPECT_EQ(json["files"].size(), folder.names().size()) << "complete files and nothing else";
+}
+
+TEST(Program, ASecondCtrlCCompletesTheFilesAndLeavesAtOnce) {
+  const TemporaryFolder folder;
+  const std::string pdf = folder.file("a.pdf");
+  Program program(folder, "pages=3 silence deaf", {"scan", "-d", "host", "-o", pdf, "--progress=json", "--json"});
+  while (folder.content("err").find("\"number\":3") == std::string::npos) std::this_thread::sleep_for(5ms);
+  program.interrupt();
+  std::this_thread::sleep_for(300ms);
+  const auto start = std::chrono::steady_clock::now();
+  program.interrupt();
+  const auto finished = program.wait();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, 2s) << "the device would have been waited for";
+  EXPECT_EQ(finished.exitCode, 130);
+  EXPECT_EQ(nlohmann::json::parse(finished.out)["pages"].size(), 3u);
+  EXPECT_EQ(folder.names(), Names{"a.pdf"});
+  EXPECT_EQ(folder.content("a.pdf").substr(0, 5), "%PDF-");
+}
+
+TEST(Program, HelpAndManualShowEveryExitCode) {
+  const TemporaryFolder folder;
+  const auto help = Program(folder, "", {"scan", "--help"}).wait();
+  EXPECT_EQ(help.exitCode, 0);
+  std::ifstream in(QSSCAN_MANUAL);
+  const std::string manual{std::istreambuf_iterator<char>(in), {}};
+  for (const qsscan::ExitCodeRow& row : qsscan::exitCodeTable()) {
+    const std::string number = std::to_string(static_cast<int>(row.code));
+    EXPECT_NE(help.out.find(" " + number + "  " + row.meaning), std::string::npos) << row.meaning;
+    EXPECT_NE(manual.find("| " + number + " | " + row.meaning + " |"), std::string::npos) << row.meaning;
+  }
+}
+
+}  // namespace
