@@ -15,8 +15,8 @@
 //      ReadImageData returns 0x01000000
 //   8. UnInitialize, then destroy the object through its virtual destructor
 //
-// Threads: one calling thread at a time. The threads of a scan live below StartScanning and never call the host. While a
-// scan runs the device belongs to them: SelectDevice, CheckConnection, QueryDeviceCapabilities, IsAdfInserted and
+// Threads: one calling thread at a time. The threads of a scan live below StartScanning and never call the host. While
+// a scan runs the device belongs to them: SelectDevice, CheckConnection, QueryDeviceCapabilities, IsAdfInserted and
 // GetPushScanParameter are for before and after it.
 // Failures are result codes (result_codes.h); nothing is thrown across this boundary.
 #pragma once

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <memory>
 
-#include "modules/JpegDecode.h"
 #include "fuzz/touch.h"
+#include "modules/JpegDecode.h"
 
 using namespace orvalle_scan_api;
 

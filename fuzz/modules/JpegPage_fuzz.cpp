@@ -1,8 +1,8 @@
 // A whole JPEG picture: a failure, or a BMP of which every byte can be read.
 #include <memory>
 
-#include "modules/JpegDecode.h"
 #include "fuzz/touch.h"
+#include "modules/JpegDecode.h"
 
 using namespace orvalle_scan_api;
 

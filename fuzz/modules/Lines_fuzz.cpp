@@ -4,8 +4,8 @@
 #include <memory>
 #include <vector>
 
-#include "modules/ScanDec.h"
 #include "fuzz/touch.h"
+#include "modules/ScanDec.h"
 
 using namespace orvalle_scan_api;
 

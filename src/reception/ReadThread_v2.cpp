@@ -75,15 +75,15 @@ QSRSLT CReadThread_v2::StartScan() {
 QSRSLT CReadThread_v2::fetchColorProfile() {
   const bool wanted = (m_userParam.wantColorProfile & 0xFF) != 0;
   if (!wanted || m_capability.imageProcFunc.colorProfileOutput != kPresent) return QSRSLT_SUCCESS;
-  // The exchange with the device goes on without the lock, so that the caller's question is answered at once.
-  ICCPROFIE fetched{};
-  setColorProfile(fetched);
-  const QSRSLT result = CScanParam().GetColorProfile(m_pScanCmd, &fetched, m_capability);
-  setColorProfile(fetched);
+  // The lock is not held while the device is asked: GetColorProfile answers at once meanwhile.
+  setIccProfile({});
+  ICCPROFIE profile{};
+  const QSRSLT result = CScanParam().GetColorProfile(m_pScanCmd, &profile, m_capability);
+  if (result == 0) setIccProfile(profile);
   return result;
 }
 
-void CReadThread_v2::setColorProfile(const ICCPROFIE& profile) {
+void CReadThread_v2::setIccProfile(const ICCPROFIE& profile) {
   const std::lock_guard<std::mutex> lock(m_iccMutex);
   m_iccProfile = profile;
 }
@@ -324,7 +324,8 @@ void CReadThread_v2::endScan(const IMAGE_HEADER& header, const PARSE_RESULT& rec
   } else if (record.isTimer) {
     SetScanTimeOutSec(record.timerSeconds * 1000L);
     g_ScanDevApiLog.WriteLog(1, "Scan timeout postpone. time = %d[sec]", record.timerSeconds);
-    if (record.timerKind == kTimerRestart) {
+    // Behind the end of all pages no page is incomplete, and the decoder has them.
+    if (record.timerKind == kTimerRestart && !status.scanFinished) {
       ClearImageDataFromArray(status.lastReceivePageNo + 1);
       g_ScanDevApiLog.WriteLog(1, "Delete noncomplete scan images. last page no = %d",
                                static_cast<int>(status.lastReceivePageNo));

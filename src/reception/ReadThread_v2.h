@@ -27,7 +27,7 @@ class CReadThread_v2 : public CReadThread_base {
  private:
   QSRSLT dispatchRecord(const IMAGE_HEADER& header, const PARSE_RESULT& result, SCANSTATUS& status);
   QSRSLT fetchColorProfile();
-  void setColorProfile(const ICCPROFIE& profile);
+  void setIccProfile(const ICCPROFIE& profile);
   void rememberHeightLimit();
   QSRSLT WriteDataBlockToImageDataArray(const IMAGE_HEADER& header);
   QSRSLT writeJpeg(CImageDataStore& store, const IMAGE_HEADER& header, int newHeight);

@@ -206,7 +206,7 @@ TEST_F(Failures, AResolutionAboveTheDevicesOwnFailsCleanly) {
   VirtualScanner& scanner = startWith(1, {});
   Arguments arguments = toPdf();
   arguments.insert(arguments.end(), {"--resolution", "1200"});
-  expectNothing(scan(scanner.address(), arguments), 14, "(0x10703001)");
+  expectNothing(scan(scanner.address(), arguments), 12, "cannot scan at this resolution");
 }
 
 TEST_F(Failures, AFolderThatIsNotThereIsToldBeforeTheScan) {
