@@ -420,6 +420,22 @@ TEST(BehindTheEnd, ASecondEndChangesNothing) {
   EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(picture));
 }
 
+// The caller has a blank page as soon as it is told of it, and may free it while the device repeats itself.
+TEST(BehindTheEnd, ASecondEndOfABlankPageLeavesItToTheCaller) {
+  const Picture picture = drawPicture(8, 4, 24);
+  std::vector<fakes::MemoryDevice::Part> parts;
+  for (unsigned n = 1; n <= 60; ++n) {
+    parts.push_back(fakes::MemoryDevice::data(rawLines(picture, n) + blankPageEnd(n)));
+    for (int i = 0; i < 3; ++i) {
+      parts.push_back(fakes::MemoryDevice::data(blankPageEnd(n) + pageSize(n, 5, 5) + pageEnd(n)));
+    }
+  }
+  parts.push_back(fakes::MemoryDevice::data(allPagesEnd()));
+  ScanHarness harness;
+  harness.device.stream(parts);
+  expectEnded(harness.scan(settingsFor(8, 4, 24)), 60, "blank pages");
+}
+
 // --- Sizes that cannot be --------------------------------------------------------------------------------------------
 
 TEST(Extremes, ASizeThatCannotBeEndsInAPageOrAFailure) {
