@@ -1,5 +1,7 @@
 #include "api/ScanProc.h"
 
+#include <algorithm>
+#include <limits>
 #include <new>
 
 #include "foundation/trace.h"
@@ -18,7 +20,8 @@ constexpr std::int32_t kScanning = 1;
 constexpr std::int32_t kScanningSecond = 2;  // accepted by ReadImageData, set by nothing
 
 std::int32_t pixelsPerMeter(std::uint32_t dpi) {
-  return static_cast<std::int32_t>(static_cast<double>(dpi) * 1000 / 25.4);
+  constexpr double kMost = std::numeric_limits<std::int32_t>::max();
+  return static_cast<std::int32_t>(std::min(static_cast<double>(dpi) * 1000 / 25.4, kMost));
 }
 
 }  // namespace

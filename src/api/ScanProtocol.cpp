@@ -35,8 +35,9 @@ QSRSLT CScanProtocol::Initialize() {
 void CScanProtocol::UnInitialize() {
   Trace trace("UnInitialize");
   // The read thread uses the command object and the device, so it ends before they do. An injected scan process is its
-  // owner's to stop.
-  if (m_pScanProc != nullptr && !m_scanProcInjected) static_cast<CScanProc*>(m_pScanProc)->StopReadThread();
+  // owner's to stop; one that was made here behind an earlier injection counts as injected below and is stopped too.
+  if (m_scanProcIsOurs) static_cast<CScanProc*>(m_pScanProc)->StopReadThread();
+  m_scanProcIsOurs = false;
   if (!m_scanCmdInjected) delete m_pScanCmd;  // 1
   m_pScanCmd = nullptr;
   if (m_pDevCaps != nullptr && !m_devCapsInjected) {  // 2
@@ -223,6 +224,7 @@ void CScanProtocol::SetScanProc(IScanProc* proc) {
   if (proc == nullptr) return;
   if (m_pScanProc != nullptr) m_pScanProc->UnInitialize();
   m_pScanProc = proc;
+  m_scanProcIsOurs = false;
   m_scanProcInjected = true;
 }
 
@@ -255,7 +257,10 @@ ICDeviceCaps* CScanProtocol::GetDeviceCapsInstance() {
 
 IScanProc* CScanProtocol::GetScanProcInstance() {
   Trace trace("GetScanProcInstance", 2);
-  if (m_pScanProc == nullptr) m_pScanProc = new (std::nothrow) CScanProc;
+  if (m_pScanProc == nullptr) {
+    m_pScanProc = new (std::nothrow) CScanProc;
+    m_scanProcIsOurs = m_pScanProc != nullptr;
+  }
   return m_pScanProc;
 }
 

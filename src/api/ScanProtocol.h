@@ -73,6 +73,7 @@ class CScanProtocol : public IScanCoreApi {
   bool m_devAcsInjected = false;
   bool m_devCapsInjected = false;
   bool m_scanProcInjected = false;
+  bool m_scanProcIsOurs = false;  // made here, whatever the flag above says
   _QS_SELECT_DEVICE_INFO m_selectedDevice{};
 };
 

@@ -257,7 +257,7 @@ bool CReadThread_v2::DispatchDataInfo(const IMAGE_HEADER& header, const PARSE_RE
       return true;
     }
     case kInfoSize: {
-      if (page.IsHandedOver()) return true;
+      if (page.IsHandedOver() || page.IsSettled()) return true;
       CImageDataStore& store = *page.m_pCurrentStore;
       if (header.widthPixel != 0) store.UpdateWidthPixel(believedPixels(header.widthPixel));
       if (header.heightPixel != 0) store.UpdateHeightPixel(believedPixels(header.heightPixel));
@@ -342,7 +342,8 @@ void CReadThread_v2::endScan(const IMAGE_HEADER& header, const PARSE_RESULT& rec
 
 QSRSLT CReadThread_v2::WriteImgeDataFinishProc(unsigned int pageNo, int height) {
   CImageData* page = pageAt(pageNo);
-  if (page == nullptr || page->IsHandedOver()) return QSRSLT_SUCCESS;
+  // A page that is settled, a blank one, is the caller's by now.
+  if (page == nullptr || page->IsHandedOver() || page->IsSettled()) return QSRSLT_SUCCESS;
   CImageDataStore& store = *page->m_pCurrentStore;
   // A page without any data would never come out of the stages.
   if (store.IsEmpty()) page->SetIsBlankPage(true);

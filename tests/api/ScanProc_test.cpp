@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstring>
 
 #include "command/ScanCmd.h"
@@ -378,6 +379,20 @@ TEST(ScanProc, ForecastsAPageFromTheSettingsAlone) {
     EXPECT_EQ(info.heightPixel, row.height) << row.name;
     EXPECT_EQ(info.widthBytes, row.widthBytes) << row.name;
   }
+}
+
+TEST(ScanProc, AForecastOfAbsurdSettingsStaysInItsNumbers) {
+  Bench bench;
+  bench.initialize();
+  auto settings = kSettings;
+  settings.resolution = {0xFFFFFFFF, 60000000};
+  settings.scanArea = {0, 0, INT_MAX, INT_MAX, UNIT_PIXEL};
+  bench.device.stream({MemoryDevice::quietForEver()});
+  ASSERT_EQ(bench.start(settings), 0u);
+  const QS_BITMAP_IMAGE_INFO info = bench.proc.GetScanBitmapImageInfo();
+  EXPECT_EQ(info.pixelsPerMeterX, INT_MAX);
+  EXPECT_EQ(info.pixelsPerMeterY, INT_MAX);
+  EXPECT_EQ(info.widthPixel, INT_MAX);
 }
 
 }  // namespace

@@ -2,8 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#if defined(__SANITIZE_ADDRESS__)
+#include <sanitizer/lsan_interface.h>
+#endif
+
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 
 #include "tests/fakes/FakeCompanions.h"
 #include "tests/reception/scan_harness.h"
@@ -538,6 +543,34 @@ TEST(ScanProtocol, UnInitializeEndsARunningScanBeforeItsCommandIsDestroyed) {
     harness.core.UnInitialize();
     EXPECT_FALSE(harness.device.IsOpen());
   }
+}
+
+auto threadCount() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/task"), std::filesystem::directory_iterator());
+}
+
+// The flag of an injection outlives UnInitialize, so that a scan process made later is kept too; its thread must not
+// live on beside the command object that is gone.
+TEST(ScanProtocol, AScanBehindAnEarlierInjectionIsStoppedAllTheSame) {
+#if defined(__SANITIZE_ADDRESS__)
+  __lsan_disable();  // the scan process is not destroyed
+#endif
+  fakes::CallList calls;
+  fakes::FakeScanProc injected(calls);
+  ScanHarness harness;
+  harness.core.SetScanProc(&injected);
+  harness.core.UnInitialize();
+  harness.connect();
+  harness.device.stream({MemoryDevice::quietForEver()});
+  const auto threadsBefore = threadCount();
+  ASSERT_EQ(harness.start(settingsFor(6, 3, 24)), 0u);
+  ASSERT_TRUE(harness.device.waitUntilQuiet());
+  harness.core.UnInitialize();
+  EXPECT_FALSE(harness.device.IsOpen());
+  EXPECT_EQ(threadCount(), threadsBefore);
+#if defined(__SANITIZE_ADDRESS__)
+  __lsan_enable();
+#endif
 }
 
 TEST(ScanProtocol, WithoutAnInjectedDeviceTheModuleBesideTheProgramIsLoaded) {

@@ -154,7 +154,7 @@ TEST(Cancel, AnAbortThatTheDeviceDoesNotAnswerEndsAfterTenSecondsOfProcessorTime
   ASSERT_TRUE(harness.device.waitUntilQuiet());
   harness.core.AbortScanning();
   ASSERT_TRUE(harness.device.waitForMnemonic("ABT"));
-  Outcome outcome = harness.collect(true, 1s);
+  Outcome outcome = harness.collect(true, 250ms);
   EXPECT_TRUE(outcome.isLate) << "no answer yet, and the limit is not reached";
   clockAdvance += 10000001;
   EXPECT_EQ(harness.collect().last, XFERCANCELED);
@@ -172,7 +172,7 @@ TEST(Cancel, AnAbortCommandThatFailsIsNotSentAgain) {
   harness.core.AbortScanning();
   ASSERT_TRUE(harness.device.waitForMnemonic("ABT"));
   clockAdvance += 10000001;  // no abort is pending, so that no limit runs
-  Outcome outcome = harness.collect(true, 1s);
+  Outcome outcome = harness.collect(true, 250ms);
   EXPECT_TRUE(outcome.isLate);
   EXPECT_EQ(count(harness.device.mnemonics(), "ABT"), 1);
   harness.device.refuseAborts(false);

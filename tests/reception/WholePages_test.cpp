@@ -59,8 +59,8 @@ TEST_P(EveryDepth, PackBitsLinesGiveTheBytesOfTheRawLines) {
 
 TEST_P(EveryDepth, AWhiteLineIsALineOfWhitePixels) {
   Picture picture = drawPicture(16, 5, GetParam().bits);
+  ScanHarness harness;
   for (const bool packed : {false, true}) {
-    ScanHarness harness;
     ByteString stream;
     for (unsigned y = 0; y < 5; ++y) {
       const bool isWhite = y == 1 || y == 4;
@@ -131,6 +131,7 @@ ByteString toRgbBmp(const module_test::Pixels& pixels) {
 }
 
 TEST(WholePages, AJpegPageIsTheDecodedJpeg) {
+  ScanHarness harness;
   for (const int parts : {3, 1}) {
     const auto jpeg = module_test::encodeJpeg(module_test::drawPicture(40, 24, parts));
     module_test::Pixels decoded;
@@ -145,7 +146,6 @@ TEST(WholePages, AJpegPageIsTheDecodedJpeg) {
                                            jpeg.begin() + static_cast<std::ptrdiff_t>(end)),
                                 static_cast<std::uint32_t>(24 * end / jpeg.size()));
       }
-      ScanHarness harness;
       const Outcome outcome = harness.scan(settingsFor(40, 24, parts * 8), stream + pageEnd(1) + allPagesEnd());
       expectEnded(outcome, 1, parts == 3 ? "colour JPEG" : "grey JPEG");
       EXPECT_EQ(outcome.deliveries[0].bytes, toRgbBmp(decoded)) << parts << " parts, blocks of " << blockBytes;
@@ -195,10 +195,10 @@ TEST(WholePages, TheBackOfASheetBoundOnTheShortEdgeIsTurned) {
     }
     bytes = mirrored;
   }
+  ScanHarness harness;
   for (const DUPLEXTYPE type : {DUPLEXTYPE_SIMPLEX, DUPLEXTYPE_LONG_EDGE, DUPLEXTYPE_SHORT_EDGE}) {
     auto settings = settingsFor(9, 5, 24);
     settings.duplexType = type;
-    ScanHarness harness;
     const Outcome outcome = harness.scan(settings, rawLines(picture, 1) + pageEnd(1) + rawLines(picture, 2) +
                                                        pageEnd(2) + rawLines(picture, 3) + pageEnd(3) + allPagesEnd());
     expectEnded(outcome, 3, "duplex");
@@ -418,6 +418,22 @@ TEST(BehindTheEnd, ASecondEndChangesNothing) {
                                        rawLines(picture, 1) + pageEnd(1) + allPagesEnd() + pageEnd(1) + allPagesEnd());
   expectEnded(outcome, 1, "two ends");
   EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(picture));
+}
+
+// The caller has a blank page as soon as it is told of it, and may free it while the device repeats itself.
+TEST(BehindTheEnd, ASecondEndOfABlankPageLeavesItToTheCaller) {
+  const Picture picture = drawPicture(8, 4, 24);
+  std::vector<fakes::MemoryDevice::Part> parts;
+  for (unsigned n = 1; n <= 60; ++n) {
+    parts.push_back(fakes::MemoryDevice::data(rawLines(picture, n) + blankPageEnd(n)));
+    for (int i = 0; i < 3; ++i) {
+      parts.push_back(fakes::MemoryDevice::data(blankPageEnd(n) + pageSize(n, 5, 5) + pageEnd(n)));
+    }
+  }
+  parts.push_back(fakes::MemoryDevice::data(allPagesEnd()));
+  ScanHarness harness;
+  harness.device.stream(parts);
+  expectEnded(harness.scan(settingsFor(8, 4, 24)), 60, "blank pages");
 }
 
 // --- Sizes that cannot be --------------------------------------------------------------------------------------------

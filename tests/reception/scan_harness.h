@@ -81,7 +81,7 @@ class ScanHarness {
   QSRSLT start(QS_SCANNER_PARAMETERS settings) { return core.StartScanning(&settings); }
 
   // The caller's loop. freesPages false leaves the pages with the library.
-  Outcome collect(bool freesPages = true, std::chrono::seconds limit = std::chrono::seconds(20)) {
+  Outcome collect(bool freesPages = true, std::chrono::milliseconds limit = std::chrono::seconds(20)) {
     Outcome outcome;
     const auto end = std::chrono::steady_clock::now() + limit;
     while (std::chrono::steady_clock::now() < end) {

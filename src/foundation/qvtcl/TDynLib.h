@@ -10,7 +10,10 @@ template <class T>
 class CTDynLib {
  public:
   CTDynLib() = default;
-  virtual ~CTDynLib() = default;
+  // What was not released before.
+  virtual ~CTDynLib() { delete interface_; }
+  CTDynLib(const CTDynLib&) = delete;
+  CTDynLib& operator=(const CTDynLib&) = delete;
 
   // Loads the module on first use and makes its object. Null, with the module unloaded again, when the module, the
   // factory or the object is missing.
