@@ -148,6 +148,13 @@ TEST(Program, AMissingOrWrongLibraryIsASentence) {
   EXPECT_EQ(wrong.exitCode, 11);
 }
 
+TEST(Program, AUsbDeviceIsRefusedWithASentence) {
+  const TemporaryFolder folder;
+  const Finished finished = Program(folder, "", {"info", "-d", "usb:fff0:00a1"}).wait();
+  EXPECT_EQ(finished.exitCode, 12);
+  EXPECT_NE(finished.err.find("USB devices cannot be used yet."), std::string::npos) << finished.err;
+}
+
 TEST(Program, CtrlCKeepsTheFinishedPages) {
   const TemporaryFolder folder;
   Program program(folder, "pages=100000 polls=5", {"scan", "-d", "host", "--batch", folder.file("p%d.png"), "--json"});
