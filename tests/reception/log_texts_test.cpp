@@ -63,7 +63,6 @@ TEST(LogTexts, OfACleanScan) {
   expectAtLevel(levels, 2, "Finished return XFERREADY. finishstatus = 2");
   expectAtLevel(levels, 2, "Blank Page return XFERREADY");
   expectAtLevel(levels, 2, "All Page End return ALLEND");
-  expectAtLevel(levels, 2, "Receiving return RECEIVING");
   expectAtLevel(levels, 2, "finalStatus = 2");
   expectAtLevel(levels, 2, "Blank page");
   expectAtLevel(levels, 2, "Free [1]the page");
@@ -71,6 +70,17 @@ TEST(LogTexts, OfACleanScan) {
   for (const char* operation : {"ThreadProc", "StartScan", "Start"}) {
     expectStartAtLevel(levels, 1, std::string(">>>>> ") + operation + " >>>>>");
   }
+}
+
+TEST(LogTexts, OfAPollBeforeAnyPage) {
+  const auto levels = messagesByLevel([] {
+    ScanHarness harness;
+    harness.device.stream({MemoryDevice::quietForEver()});
+    harness.start(kSettings);
+    EXPECT_EQ(harness.core.GetScanStatus(), RECEIVING);
+    harness.core.UnInitialize();
+  });
+  expectAtLevel(levels, 2, "Receiving return RECEIVING");
 }
 
 TEST(LogTexts, OfFailures) {
