@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <new>
 #include <optional>
 #include <thread>
 
@@ -54,6 +55,13 @@ class ScanWriter {
       action();
     } catch (const CommandError& error) {
       if (!failure_) failure_ = error;
+    } catch (const std::bad_alloc&) {
+      // It must not pass the fetching thread, which still runs.
+      if (!failure_) {
+        failure_ = CommandError(ExitCode::kInternal,
+                                "There is not enough memory to write a page. Scan at a lower resolution or close other "
+                                "programs.");
+      }
     }
   }
 
