@@ -1,9 +1,11 @@
-#include "parse/qdi_capability.h"
-
+// Converts the device's own values of a QDI body into the capability record: tenths of a millimetre become driver
+// millimetres, bit masks become flags, missing values become defaults.
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstring>
+
+#include "parse/ParseCmdRes_v2.h"
 
 namespace orvalle_scan_api {
 namespace {
@@ -408,14 +410,15 @@ DEVINFO_ADVANCEDFUNC advancedFunc(const Response& r) {
 
 }  // namespace
 
-QS_SCANNER_CAPABILITY capabilityOf(const _QDICMDRESPONSE& response) {
+QS_SCANNER_CAPABILITY CParseCmdRes_v2::GetParseDeviceInfoResponse(const _QDICMDRESPONSE* response) const {
   QS_SCANNER_CAPABILITY capability{};
-  capability.commandVersion = response.protocolVersion;
-  capability.modelInfo = modelInfo(response);
-  capability.func = func(response);
-  capability.baseFunc = baseFunc(response);
-  capability.imageProcFunc = imageProcFunc(response);
-  capability.advancedFunc = advancedFunc(response);
+  if (response == nullptr) return capability;
+  capability.commandVersion = response->protocolVersion;
+  capability.modelInfo = modelInfo(*response);
+  capability.func = func(*response);
+  capability.baseFunc = baseFunc(*response);
+  capability.imageProcFunc = imageProcFunc(*response);
+  capability.advancedFunc = advancedFunc(*response);
   return capability;
 }
 
