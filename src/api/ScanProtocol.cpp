@@ -91,14 +91,14 @@ bool CScanProtocol::CheckConnection() {
 
 QSRSLT CScanProtocol::QueryDeviceCapabilities(QS_SCANNER_CAPABILITY* capability) {
   Trace trace("QueryDeviceCapabilities");
-  ICDeviceCaps* caps = GetDeviceCapsInstance();
+  GetDeviceCapsInstance();
   if (capability == nullptr) return trace.ret(QSRSLT_NOT_INITIALIZED);
   if (!m_initialized) {
     g_ScanDevApiLog.WriteLog(0, "Device not selected");
     return trace.ret(QSRSLT_NOT_PREPARED);
   }
   if (const QSRSLT result = PrepareQueryCapabilities(m_selectedDevice); result != 0) return trace.ret(result);
-  return trace.ret(caps->GetDeviceCapability(capability));
+  return trace.ret(m_pDevCaps->GetDeviceCapability(capability));
 }
 
 QSRSLT CScanProtocol::QueryDeviceCapabilities(unsigned int generation, void* capability) {

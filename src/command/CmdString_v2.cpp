@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <initializer_list>
+#include <new>
 #include <string_view>
 
 #include "foundation/OutputLog.h"
@@ -112,30 +113,35 @@ std::string frame(const char* mnemonic, const CCmdString_v2& maker, const MakeLi
   return frame(mnemonic, lines);
 }
 
+// The frame that make builds, logged; empty, which its sender refuses, where memory runs out over it.
+template <class Make>
+std::string logged(const char* mnemonic, Make make) {
+  std::string command;
+  try {
+    command = make();
+  } catch (const std::bad_alloc&) {
+    command.clear();
+  }
+  g_ScanDevApiLog.WriteLog(0, "%s Command:\r\n%s", mnemonic, command.c_str());
+  return command;
+}
+
 }  // namespace
 
 std::string CCmdString_v2::MakeCKDcmdString(SCANCMD_PAPERSOURCE_TYPE source) const {
-  std::string command = frame("CKD", paperSourceLine(source));
-  g_ScanDevApiLog.WriteLog(0, "CKD Command:\r\n%s", command.c_str());
-  return command;
+  return logged("CKD", [&] { return frame("CKD", paperSourceLine(source)); });
 }
 
 std::string CCmdString_v2::MakeSSPcmdString(const Param* param) const {
-  std::string command = frame("SSP", *this, kSSPLines, param);
-  g_ScanDevApiLog.WriteLog(0, "SSP Command:\r\n%s", command.c_str());
-  return command;
+  return logged("SSP", [&] { return frame("SSP", *this, kSSPLines, param); });
 }
 
 std::string CCmdString_v2::MakeXSCcmdString(const Param* param) const {
-  std::string command = frame("XSC", *this, kXSCLines, param);
-  g_ScanDevApiLog.WriteLog(0, "XSC Command:\r\n%s", command.c_str());
-  return command;
+  return logged("XSC", [&] { return frame("XSC", *this, kXSCLines, param); });
 }
 
 std::string CCmdString_v2::MakeABTcmdString(SCANCMD_EJECTION_TYPE ejection) const {
-  std::string command = frame("ABT", MakeEjectionModeString(ejection));
-  g_ScanDevApiLog.WriteLog(0, "ABT Command:\r\n%s", command.c_str());
-  return command;
+  return logged("ABT", [&] { return frame("ABT", MakeEjectionModeString(ejection)); });
 }
 
 std::string CCmdString_v2::MakeOSinfoString(const Param& param) const {

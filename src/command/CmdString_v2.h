@@ -13,7 +13,8 @@ namespace orvalle_scan_api {
 
 class CCmdString_v2 {
  public:
-  // Whole frames. Each is logged at level 0. A null record gives an empty string, which is logged too.
+  // Whole frames. Each is logged at level 0. A null record gives an empty string, which is logged too, and so does a
+  // lack of memory.
   std::string MakeCKDcmdString(SCANCMD_PAPERSOURCE_TYPE source) const;
   std::string MakeSSPcmdString(const _SCANCMD_SCANPARAM* param) const;
   std::string MakeXSCcmdString(const _SCANCMD_SCANPARAM* param) const;

@@ -23,6 +23,7 @@ void logErrorResult(unsigned code) {
 
 QSRSLT CScanCmd_v2::ExeCKDcmd(SCANCMD_PAPERSOURCE_TYPE source) {
   Trace trace("ExeCKDcmd");
+  if (const QSRSLT refused = refusal(true); refused != 0) return trace.result(refused);
   if (const QSRSLT sent = send(strings_.MakeCKDcmdString(source)); sent != 0) return trace.result(sent);
   unsigned char result = 0;
   unsigned char status = 0;
@@ -37,57 +38,69 @@ QSRSLT CScanCmd_v2::ExeCKDcmd(SCANCMD_PAPERSOURCE_TYPE source) {
 
 QSRSLT CScanCmd_v2::ExeGKPcmd(_SCANCMD_RESPONSE_INFO* response) {
   Trace trace("ExeGKPcmd");
-  return trace.result(query("GKP", kGKPFrame, gkp_, response));
+  return trace.result(queryConstant("GKP", kGKPFrame, gkp_, response));
 }
 
 QSRSLT CScanCmd_v2::ExeSSPcmd(_SCANCMD_RESPONSE_INFO* response, _SCANCMD_SCANPARAM* param) {
   Trace trace("ExeSSPcmd");
-  if (access_ != nullptr && param == nullptr) return trace.result(QSRSLT_CMD_BAD_ARGUMENT);
-  return trace.result(query("SSP", strings_.MakeSSPcmdString(param), ssp_, response));
+  if (const QSRSLT refused = refusal(response != nullptr && param != nullptr); refused != 0) {
+    return trace.result(refused);
+  }
+  return trace.result(query("SSP", strings_.MakeSSPcmdString(param), ssp_, *response));
 }
 
 QSRSLT CScanCmd_v2::ExeGCTcmd(_SCANCMD_RESPONSE_INFO* response) {
   Trace trace("ExeGCTcmd");
-  return trace.result(query("GCT", kGCTFrame, gct_, response));
+  return trace.result(queryConstant("GCT", kGCTFrame, gct_, response));
 }
 
 QSRSLT CScanCmd_v2::ExeGCPcmd(_SCANCMD_RESPONSE_INFO* response) {
   Trace trace("ExeGCPcmd");
-  return trace.result(query("GCP", kGCPFrame, gcp_, response));
+  return trace.result(queryConstant("GCP", kGCPFrame, gcp_, response));
 }
 
 QSRSLT CScanCmd_v2::ExeGDScmd(_SCANCMD_RESPONSE_INFO* response) {
   Trace trace("ExeGDScmd");
-  return trace.result(query("GDS", kGDSFrame, gds_, response));
+  return trace.result(queryConstant("GDS", kGDSFrame, gds_, response));
 }
 
 QSRSLT CScanCmd_v2::ExeXSCcmd(_SCANCMD_SCANPARAM* param) {
   Trace trace("ExeXSCcmd");
-  if (access_ != nullptr && param == nullptr) return trace.result(QSRSLT_CMD_BAD_ARGUMENT);
+  if (const QSRSLT refused = refusal(param != nullptr); refused != 0) return trace.result(refused);
   return trace.result(send(strings_.MakeXSCcmdString(param)));
 }
 
 QSRSLT CScanCmd_v2::ExeABTcmd(SCANCMD_EJECTION_TYPE ejection) {
   Trace trace("ExeABTcmd");
+  if (const QSRSLT refused = refusal(true); refused != 0) return trace.result(refused);
   return trace.result(send(strings_.MakeABTcmdString(ejection)));
 }
 
-QSRSLT CScanCmd_v2::send(const std::string& frame) {
+QSRSLT CScanCmd_v2::refusal(bool argumentsGiven) const {
   if (access_ == nullptr) {
     g_ScanDevApiLog.WriteLog(0, "CCmdDevAccess instance does not exist.");
     return QSRSLT_CMD_NO_DEVICE_ACCESS;
   }
+  return argumentsGiven ? QSRSLT_SUCCESS : QSRSLT_CMD_BAD_ARGUMENT;
+}
+
+QSRSLT CScanCmd_v2::send(const std::string& frame) {
   if (frame.empty()) return QSRSLT_CMD_EMPTY;
   return access_->SendCommand(frame.data(), static_cast<int>(frame.size()));
 }
 
+QSRSLT CScanCmd_v2::queryConstant(const char* signature, const std::string& frame, _SCANCMD_RESPONSE_INFO& stored,
+                                  _SCANCMD_RESPONSE_INFO* response) {
+  const QSRSLT refused = refusal(response != nullptr);
+  return refused != 0 ? refused : query(signature, frame, stored, *response);
+}
+
 QSRSLT CScanCmd_v2::query(const char* signature, const std::string& frame, _SCANCMD_RESPONSE_INFO& stored,
-                          _SCANCMD_RESPONSE_INFO* response) {
-  if (access_ != nullptr && response == nullptr) return QSRSLT_CMD_BAD_ARGUMENT;
+                          _SCANCMD_RESPONSE_INFO& response) {
   CScanCmdCom().FreeCmdResponseData(stored);
   QSRSLT result = send(frame);
   if (result == 0) result = RecvCmdResponseData(signature, stored, kAnswerTimeOutMs);
-  if (response != nullptr) *response = stored;
+  response = stored;
   return result;
 }
 

@@ -34,8 +34,13 @@ class CScanCmd_v2 {
   void FreeResCmdData();
 
  private:
+  // 0 where there is an access object and the arguments are there; looked at before anything is built or freed.
+  QSRSLT refusal(bool argumentsGiven) const;
+  QSRSLT queryConstant(const char* signature, const std::string& frame, _SCANCMD_RESPONSE_INFO& stored,
+                       _SCANCMD_RESPONSE_INFO* response);
   QSRSLT query(const char* signature, const std::string& frame, _SCANCMD_RESPONSE_INFO& stored,
-               _SCANCMD_RESPONSE_INFO* response);
+               _SCANCMD_RESPONSE_INFO& response);
+  //   0x10210034  the frame is empty
   QSRSLT send(const std::string& frame);
   QSRSLT RecvCmdResponseData(const char* signature, _SCANCMD_RESPONSE_INFO& stored, long timeOutMs);
 
