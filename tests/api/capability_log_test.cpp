@@ -211,3 +211,10 @@ TEST(capability_log, TheModelByCategoryAndName) {
   CDeviceCaps::WriteLogModelInfo(info);
   EXPECT_TRUE(log.has(1, "modelName = " + std::string(128, 'm'))) << "a full name has no end of its own";
 }
+
+TEST(capability_log, ForgettingTheRecordIsToldByName) {
+  CDeviceCaps caps;
+  LogCapture log;
+  EXPECT_EQ(caps.UnInitialize(), 0u);
+  EXPECT_EQ(log.lines, (std::vector<LogLine>{{1, "UnInitialize"}})) << log.all();
+}
