@@ -16,16 +16,29 @@
 namespace {
 // While above 0, counts down with each allocation of this thread; the one that brings it to 0 fails.
 thread_local int failing = 0;
-}  // namespace
 
-// Not inlined: GCC would take free for the wrong partner of new.
-__attribute__((noinline)) void* operator new(std::size_t bytes) {
-  if (failing > 0 && --failing == 0) throw std::bad_alloc();
-  if (void* block = std::malloc(bytes == 0 ? 1 : bytes)) return block;
+void* allocate(std::size_t bytes) {
+  if (failing > 0 && --failing == 0) return nullptr;
+  return std::malloc(bytes == 0 ? 1 : bytes);
+}
+void* allocateOrThrow(std::size_t bytes) {
+  if (void* block = allocate(bytes)) return block;
   throw std::bad_alloc();
 }
-__attribute__((noinline)) void operator delete(void* block) noexcept { std::free(block); }
-__attribute__((noinline)) void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+}  // namespace
+
+// All forms, since a sanitizer brings each of its own. Not inlined: GCC would take free for the wrong partner of new.
+#define NOT_INLINED __attribute__((noinline))
+NOT_INLINED void* operator new(std::size_t bytes) { return allocateOrThrow(bytes); }
+NOT_INLINED void* operator new[](std::size_t bytes) { return allocateOrThrow(bytes); }
+NOT_INLINED void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept { return allocate(bytes); }
+NOT_INLINED void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept { return allocate(bytes); }
+NOT_INLINED void operator delete(void* block) noexcept { std::free(block); }
+NOT_INLINED void operator delete[](void* block) noexcept { std::free(block); }
+NOT_INLINED void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+NOT_INLINED void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+NOT_INLINED void operator delete(void* block, const std::nothrow_t&) noexcept { std::free(block); }
+NOT_INLINED void operator delete[](void* block, const std::nothrow_t&) noexcept { std::free(block); }
 
 namespace {
 
