@@ -1,5 +1,8 @@
 #include "api/ModuleInstances.h"
 
+#include <new>
+
+#include "api/DynLib_base.h"
 #include "foundation/qvtcl/TModulePath.h"
 #include "foundation/trace.h"
 
@@ -13,7 +16,13 @@ CModuleInstances::~CModuleInstances() {
 }
 
 std::string CModuleInstances::GenerateModulePathInCurrentFolder(const char* fileName) {
-  std::string path = qvtcl::CTModulePath().GenerateModuleFileName(qvtcl::kDriverIdentifier, fileName);
+  [[maybe_unused]] const CDynLib_base self;  // made, and asked for nothing: the path is found without a handle
+  std::string path;
+  try {
+    path = qvtcl::CTModulePath().GenerateModuleFileName(qvtcl::kDriverIdentifier, fileName);
+  } catch (const std::bad_alloc&) {
+    path.clear();  // no path without memory
+  }
   g_ScanDevApiLog.WriteLog(1, "Module Path: %s", path.c_str());
   return path;
 }

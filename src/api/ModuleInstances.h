@@ -47,6 +47,7 @@ class CModuleInstances {
   static T* get(Module<T>& module, const char* getter, const char* fileName, bool evenWhenCached = false);
   template <class T>
   static void free(Module<T>& module, const char* releaser);
+  // Empty when the folder cannot be found.
   static std::string GenerateModulePathInCurrentFolder(const char* fileName);
 
   Module<IJpegDecode> jpegDecode_;
