@@ -1,7 +1,5 @@
 #include "api/ModuleInstances.h"
 
-#include <new>
-
 #include "api/DynLib_base.h"
 #include "foundation/qvtcl/TModulePath.h"
 #include "foundation/trace.h"
@@ -15,24 +13,19 @@ CModuleInstances::~CModuleInstances() {
   FreeDeviceAccessInstance();
 }
 
-std::string CModuleInstances::GenerateModulePathInCurrentFolder(const char* fileName) {
+qvtcl::CTString CModuleInstances::GenerateModulePathInCurrentFolder(const char* fileName) {
   [[maybe_unused]] const CDynLib_base self;  // made, and asked for nothing: the path is found without a handle
-  std::string path;
-  try {
-    path = qvtcl::CTModulePath().GenerateModuleFileName(qvtcl::kDriverIdentifier, fileName);
-  } catch (const std::bad_alloc&) {
-    path.clear();  // no path without memory
-  }
-  g_ScanDevApiLog.WriteLog(1, "Module Path: %s", path.c_str());
+  qvtcl::CTString path = qvtcl::CTModulePath().GenerateModuleFileName(qvtcl::kDriverIdentifier, fileName);
+  g_ScanDevApiLog.WriteLog(1, "Module Path: %s", path.C_str());
   return path;
 }
 
 template <class T>
 T* CModuleInstances::get(Module<T>& module, const char* getter, const char* fileName, bool evenWhenCached) {
   Trace trace(getter);
-  const std::string path = GenerateModulePathInCurrentFolder(fileName);
-  if ((module.cached == nullptr || evenWhenCached) && !path.empty()) {
-    module.cached = module.library.GetInterface(path.c_str());
+  const qvtcl::CTString path = GenerateModulePathInCurrentFolder(fileName);
+  if ((module.cached == nullptr || evenWhenCached) && !path.IsEmpty()) {
+    module.cached = module.library.GetInterface(path.C_str());
   }
   return trace.instance(module.cached);
 }

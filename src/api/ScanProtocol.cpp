@@ -33,7 +33,7 @@ Result unlessThrown(Result whenThrown, Body body) {
 
 }  // namespace
 
-CScanProtocol::CScanProtocol() { qvtcl::CTModulePath::RememberOwnFolder(); }
+CScanProtocol::CScanProtocol() { qvtcl::CTModulePath::RememberOwnFile(); }
 
 CScanProtocol::~CScanProtocol() { CScanProtocol::UnInitialize(); }
 

@@ -23,13 +23,13 @@ bool folderIsFound = true;
 extern "C" __attribute__((visibility("default"))) void qsTestNote(const char* note) { notes.emplace_back(note); }
 
 // The linker leads the search for a module's path here.
-extern "C" std::string __real__ZN5qvtcl11CTModulePath22GenerateModuleFileNameEPKvPKc(qvtcl::CTModulePath*, const void*,
-                                                                                     const char*);
-extern "C" std::string __wrap__ZN5qvtcl11CTModulePath22GenerateModuleFileNameEPKvPKc(qvtcl::CTModulePath* self,
-                                                                                     const void* identifier,
-                                                                                     const char* fileName) {
+extern "C" qvtcl::CTString __real__ZN5qvtcl12CTModulePath22GenerateModuleFileNameEPKvPKc(qvtcl::CTModulePath*,
+                                                                                         const void*, const char*);
+extern "C" qvtcl::CTString __wrap__ZN5qvtcl12CTModulePath22GenerateModuleFileNameEPKvPKc(qvtcl::CTModulePath* self,
+                                                                                         const void* identifier,
+                                                                                         const char* fileName) {
   if (!folderIsFound) return {};
-  return __real__ZN5qvtcl11CTModulePath22GenerateModuleFileNameEPKvPKc(self, identifier, fileName);
+  return __real__ZN5qvtcl12CTModulePath22GenerateModuleFileNameEPKvPKc(self, identifier, fileName);
 }
 
 namespace orvalle_scan_api {
