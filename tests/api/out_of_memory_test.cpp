@@ -1,0 +1,312 @@
+// Memory that runs out at any place below an operation: nothing is thrown out of it, it answers a code, and the object
+// serves the next call.
+//
+// operator new is replaced: the n-th allocation fails, n going up until an operation gets through without one. The
+// test's own allocations, and those of the device that stands in, are exempt.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <new>
+
+#include "tests/reception/scan_harness.h"
+#include "tests/reception/scan_pictures.h"
+
+namespace {
+
+enum Scope { kNoThread, kThisThread, kEveryThread };
+
+std::atomic<Scope> scope{kNoThread};
+std::atomic<long> untilFailure{0};
+thread_local bool isFailingThread = false;
+thread_local int exemptions = 0;
+
+bool failsNow() {
+  const Scope now = scope;
+  if (now == kNoThread || exemptions > 0 || (now == kThisThread && !isFailingThread)) return false;
+  return --untilFailure == 0;
+}
+
+}  // namespace
+
+// Not inlined: GCC would take free for the wrong partner of new.
+__attribute__((noinline)) void* operator new(std::size_t bytes) {
+  void* const block = failsNow() ? nullptr : std::malloc(bytes == 0 ? 1 : bytes);
+  if (block == nullptr) throw std::bad_alloc();
+  return block;
+}
+__attribute__((noinline)) void operator delete(void* block) noexcept { std::free(block); }
+__attribute__((noinline)) void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+
+namespace reception_test {
+namespace {
+
+using fakes::MemoryDevice;
+
+struct Exempt {
+  Exempt() { ++exemptions; }
+  ~Exempt() { --exemptions; }
+};
+
+// While it lives, the n-th allocation fails.
+class Failing {
+ public:
+  Failing(Scope where, long n) {
+    isFailingThread = true;
+    untilFailure = n;
+    scope = where;
+  }
+  ~Failing() { stop(); }
+  // Whether an allocation failed.
+  bool stop() {
+    scope = kNoThread;
+    isFailingThread = false;
+    return untilFailure <= 0;
+  }
+};
+
+// The device of a test, whose own allocations do not fail.
+class ExemptDevice final : public IDeviceAccess {
+ public:
+  explicit ExemptDevice(MemoryDevice& device) : device_(device) {}
+  void SetClientId(const char*) override {}
+  void ReservedFirst() override {}
+  void ReservedSecond() override {}
+  int Open(_DEV_IDENTIFIER& id) override {
+    const Exempt exempt;
+    return withResults(device_.Open(id));
+  }
+  void Close() override {
+    const Exempt exempt;
+    device_.Close();
+  }
+  bool IsOpen() override {
+    const Exempt exempt;
+    return device_.IsOpen();
+  }
+  int Read(void* buffer, unsigned int size, unsigned int wanted, long timeOutMs) override {
+    const Exempt exempt;
+    return withResults(device_.Read(buffer, size, wanted, timeOutMs));
+  }
+  int Write(const void* data, int size, int flags) override {
+    const Exempt exempt;
+    return withResults(device_.Write(data, size, flags));
+  }
+
+ private:
+  int withResults(int answer) {
+    lastResult = device_.lastResult;
+    lastDetail = device_.lastDetail;
+    return answer;
+  }
+
+  MemoryDevice& device_;
+};
+
+const Picture kPicture = drawPicture(6, 3, 24);
+const QS_SCANNER_PARAMETERS kSettings = settingsFor(6, 3, 24);
+
+struct Bench {
+  MemoryDevice device;
+  ExemptDevice exempt{device};
+  CScanProtocol core;
+
+  Bench() {
+    keepModulesLoaded();
+    device.answer("CKD", {0, 0});
+    device.answer("GKP", fakes::framed("GKP", fakes::endTag()));
+    connect();
+  }
+  void connect() {
+    core.SetDeviceAccess(&exempt);
+    EXPECT_EQ(core.Initialize(), 0u);
+    auto info = memoryDeviceInfo();
+    EXPECT_EQ(core.SelectDevice(info), 0u);
+  }
+  void servePages() {
+    device.stream(rawLines(kPicture) + pageEnd(1) + packedLines(kPicture, 2) + pageEnd(2) + allPagesEnd());
+  }
+  QSRSLT start() {
+    QS_SCANNER_PARAMETERS settings = kSettings;
+    return core.StartScanning(&settings);
+  }
+};
+
+// Calls the operation on a fresh object with every allocation failing in turn. It must answer isGood where none failed,
+// also when it is repeated after a failure. Returns how many could fail.
+template <class Answer>
+int failEach(const char* name, const std::function<void(Bench&)>& prepare,
+             const std::function<Answer(Bench&)>& operation, const std::function<bool(Answer)>& isGood) {
+  for (int n = 1; n < 1000; ++n) {
+    Bench bench;
+    prepare(bench);
+    Failing failing(kThisThread, n);
+    const Answer answer = operation(bench);
+    if (!failing.stop()) {
+      EXPECT_TRUE(isGood(answer)) << name;
+      return n - 1;
+    }
+    EXPECT_TRUE(isGood(operation(bench))) << name << " after allocation " << n << " had failed, with " << answer;
+  }
+  ADD_FAILURE() << name << " allocates without end";
+  return 0;
+}
+
+void doNothing(Bench&) {}
+bool isSuccess(QSRSLT result) { return result == 0; }
+
+TEST(OutOfMemory, AQuestionToTheDeviceGetsACodeAndCanBeRepeated) {
+  EXPECT_GT(failEach<QSRSLT>(
+                "QueryDeviceCapabilities", doNothing,
+                [](Bench& bench) {
+                  tagQS_SCANNER_CAPABILITY_VER1 capability{};
+                  return bench.core.QueryDeviceCapabilities(1, &capability);
+                },
+                isSuccess),
+            0);
+  EXPECT_GT(failEach<QSRSLT>(
+                "GetPushScanParameter", doNothing,
+                [](Bench& bench) {
+                  tagQS_PUSHSCAN_PARAMETERS push{};
+                  return bench.core.GetPushScanParameter(1, &push);
+                },
+                isSuccess),
+            0);
+  EXPECT_GT(failEach<bool>(
+                "CheckConnection", doNothing, [](Bench& bench) { return bench.core.CheckConnection(); },
+                [](bool connected) { return connected; }),
+            0);
+  EXPECT_GT(failEach<bool>(
+                "IsAdfInserted", doNothing, [](Bench& bench) { return bench.core.IsAdfInserted(); },
+                [](bool inserted) { return !inserted; }),
+            0);
+}
+
+TEST(OutOfMemory, AStartThatFailsGetsACodeAndCanBeRepeated) {
+  EXPECT_GT(failEach<QSRSLT>(
+                "StartScanning", [](Bench& bench) { bench.servePages(); }, [](Bench& bench) { return bench.start(); },
+                isSuccess),
+            0);
+}
+
+TEST(OutOfMemory, TheOtherOperationsOfAScanNeedNone) {
+  for (const bool isAborted : {false, true}) {
+    Bench bench;
+    bench.servePages();
+    ASSERT_EQ(bench.start(), 0u);
+    while (bench.core.GetScanStatus() == RECEIVING) std::this_thread::yield();
+    tagQS_SCAN_IMAGEDATA image{};
+    int pageNo = 0;
+    void* data = nullptr;
+    int size = 0;
+    _QS_SELECT_DEVICE_INFO info{};
+    Failing failing(kThisThread, 1);
+    const QSRSLT read = bench.core.ReadImageData(&image, &pageNo);
+    bench.core.GetScanBitmapImageInfo();
+    bench.core.GetIccProfile(&data, &size);
+    bench.core.GetCurrentReceivedLines(1);
+    bench.core.FreeImageData(pageNo);
+    if (isAborted) bench.core.AbortScanning();
+    while (bench.core.GetScanStatus() == RECEIVING) std::this_thread::yield();
+    bench.core.EnumerateDevice(nullptr, &size);
+    bench.core.ReleaseDeviceList();
+    bench.core.GetSelectedDevInfo(&info);
+    bench.core.SelectDevice(info);
+    bench.core.UnInitialize();
+    EXPECT_FALSE(failing.stop());
+    EXPECT_EQ(read, 0u);
+    EXPECT_EQ(pageNo, 1);
+  }
+}
+
+TEST(OutOfMemory, WithoutTheDeviceModuleIsAModuleThatCannotBeLoaded) {
+  for (int n = 1; n < 1000; ++n) {
+    CScanProtocol core;
+    Failing failing(kThisThread, n);
+    const QSRSLT result = core.Initialize();
+    if (!failing.stop()) {
+      EXPECT_EQ(result, 0u);
+      break;
+    }
+    if (result != 0) {
+      EXPECT_EQ(result, 0x20100006u);
+      EXPECT_FALSE(core.IsInitialized());
+    }
+    EXPECT_EQ(core.Initialize(), 0u) << "after allocation " << n << " had failed";
+  }
+}
+
+TEST(OutOfMemory, TheFactoryGivesNull) {
+  int made = 0;
+  for (int n = 1; n < 1000 && made == 0; ++n) {
+    Failing failing(kThisThread, n);
+    IScanCoreApi* const core = CreateInstance();
+    const bool failed = failing.stop();
+    EXPECT_EQ(core == nullptr, failed) << n;
+    if (core != nullptr) ++made;
+    delete core;
+  }
+  EXPECT_EQ(made, 1);
+}
+
+// --- On any thread of a scan ---------------------------------------------------------------------------------------
+
+struct Result {
+  QSRSLT code = 0;  // of the step that failed
+  int goodPages = 0;
+  int badPages = 0;
+  bool isLate = false;
+};
+
+// A caller's loop that allocates nothing.
+Result scanAndCompare(Bench& bench, const ByteString& expected) {
+  Result result;
+  result.code = bench.start();
+  if (result.code != 0) return result;
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  while (std::chrono::steady_clock::now() < end) {
+    const SCANAPISTATUS status = bench.core.GetScanStatus();
+    if (status == RECEIVING) {
+      std::this_thread::yield();
+      continue;
+    }
+    if (status != XFERREADY) return result;
+    tagQS_SCAN_IMAGEDATA image{};
+    int pageNo = 0;
+    result.code = bench.core.ReadImageData(&image, &pageNo);
+    if (result.code != 0) return result;
+    const bool isSame = image.dataSize == expected.size() && image.data != nullptr &&
+                        std::memcmp(image.data, expected.data(), expected.size()) == 0;
+    ++(isSame ? result.goodPages : result.badPages);
+    bench.core.FreeImageData(pageNo);
+  }
+  result.isLate = true;
+  return result;
+}
+
+TEST(OutOfMemory, OnAnyThreadOfAScanIsAResultAndTheNextScanRuns) {
+  const ByteString expected = expectedBmp(kPicture);
+  int failures = 0;
+  Bench bench;
+  for (int n = 1; n < 2000; ++n) {
+    bench.servePages();
+    Failing failing(kEveryThread, n);
+    const Result result = scanAndCompare(bench, expected);
+    const bool failed = failing.stop();
+    EXPECT_FALSE(result.isLate) << n;
+    EXPECT_EQ(result.badPages, 0) << n;
+    EXPECT_TRUE(result.goodPages == 2 || result.code != 0) << n << ": " << result.goodPages << " pages";
+    bench.servePages();
+    const Result next = scanAndCompare(bench, expected);
+    EXPECT_EQ(next.code, 0u) << std::hex << next.code << " after allocation " << n << " had failed";
+    EXPECT_EQ(next.goodPages, 2) << n;
+    if (!failed) break;
+    ++failures;
+  }
+  EXPECT_GT(failures, 10);
+}
+
+}  // namespace
+}  // namespace reception_test
