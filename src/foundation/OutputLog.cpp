@@ -28,12 +28,14 @@ constexpr int kMessageBytes = 1200;
 
 bool ownedByCallerOrRoot(const struct stat& info) { return info.st_uid == geteuid() || info.st_uid == 0; }
 
-// Opens a regular file of our own, never through a link, and never blocks on something that is no file.
+// Opens a regular file of our own, never through a link, and never blocks on something that is no file. A file that is
+// not ours keeps its content: it is emptied only after it was looked at.
 std::FILE* openOwnFile(const std::string& path, int flags, const char* mode) {
-  const int fd = open(path.c_str(), flags | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0666);
+  const int fd = open(path.c_str(), (flags & ~O_TRUNC) | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0666);
   if (fd < 0) return nullptr;
   struct stat info {};
-  if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode) || !ownedByCallerOrRoot(info)) {
+  const bool isOurs = fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && ownedByCallerOrRoot(info);
+  if (!isOurs || ((flags & O_TRUNC) != 0 && ftruncate(fd, 0) != 0)) {
     close(fd);
     return nullptr;
   }
