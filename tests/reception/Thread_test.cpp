@@ -7,9 +7,26 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <new>
+#include <string>
 #include <system_error>
+#include <utility>
 
 #include "reception/WriteReadMutex.h"
+
+namespace {
+// The next allocation of this thread fails, once.
+thread_local bool failsNext = false;
+}  // namespace
+
+// Not inlined: GCC would take free for the wrong partner of new.
+__attribute__((noinline)) void* operator new(std::size_t bytes) {
+  void* const block = std::exchange(failsNext, false) ? nullptr : std::malloc(bytes == 0 ? 1 : bytes);
+  if (block == nullptr) throw std::bad_alloc();
+  return block;
+}
+__attribute__((noinline)) void operator delete(void* block) noexcept { std::free(block); }
+__attribute__((noinline)) void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 namespace orvalle_scan_api {
 namespace {
@@ -135,6 +152,48 @@ TEST(ThreadDeathTest, ReportsACreationThatFailed) {
 #endif
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(startWithoutMemory(), testing::ExitedWithCode(3), "thread constructor failed.*started 0");
+}
+
+// The caller joins first; forgetting it is not survived.
+TEST(ThreadDeathTest, StartingOneThatIsNotJoinedEndsTheProcess) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_DEATH(
+      {
+        Worker worker(true);
+        worker.Start();
+        worker.Start();
+      },
+      "terminate called");
+}
+
+TEST(Thread, AThreadThatHasNoMemoryIsOneThatCouldNotBeMade) {
+  Worker worker;
+  failsNext = true;
+  try {
+    worker.Start();
+    ADD_FAILURE() << "it has started";
+  } catch (const std::system_error& failure) {
+    EXPECT_EQ(std::string(failure.what()).rfind("thread constructor failed", 0), 0u) << failure.what();
+    EXPECT_EQ(failure.code(), std::errc::not_enough_memory);
+  }
+  EXPECT_FALSE(worker.IsStarted());
+  EXPECT_TRUE(worker.Start());
+}
+
+TEST(Thread, ADestroyedObjectHasJoinedItsThread) {
+  std::atomic<bool> isOver{false};
+  {
+    struct Slow : CThread_Base {
+      explicit Slow(std::atomic<bool>& over) : over_(over) { Start(); }
+      ~Slow() { End(); }
+      void ThreadProc() override {
+        while (!m_end) std::this_thread::yield();
+        over_ = true;
+      }
+      std::atomic<bool>& over_;
+    } slow(isOver);
+  }
+  EXPECT_TRUE(isOver);
 }
 
 TEST(Thread, TheTwoHalvesOfTheMutexPairAreIndependent) {
