@@ -43,6 +43,7 @@ IScanDec* CModuleInstances::GetScanDecInstance() { return get(scanDec_, __func__
 IDeviceAccess* CModuleInstances::GetDeviceAccessInstance() { return get(deviceAccess_, __func__, "QsDeviceAccs.so"); }
 IImageEnhance* CModuleInstances::GetImageEnhanceInstance() { return get(imageEnhance_, __func__, "QsImageEnhance.so"); }
 // Kept: this getter asks the module again although a pointer is cached; GetInterface then hands back the same object.
+// Pinned by ModuleInstances_test "Load each module on its first demand and once".
 IQvScnImgProc* CModuleInstances::GetImageProcessInstance() {
   return get(imageProcess_, __func__, "QvScnImgProc.so", true);
 }

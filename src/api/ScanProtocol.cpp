@@ -133,7 +133,8 @@ QSRSLT CScanProtocol::QueryDeviceCapabilities(unsigned int generation, void* cap
 }
 
 QSRSLT CScanProtocol::GetIccProfile(void** data, int* size) {
-  // Kept: a null argument is the one exit without its line.
+  // Kept: a null argument is the one exit without its line. Pinned by log_texts_test "Every entry has its exit but
+  // one".
   g_ScanDevApiLog.WriteLog(1, ">>>>> %s >>>>>", "GetIccProfile");
   if (data == nullptr || size == nullptr) return QSRSLT_NULL_ARGUMENT;
   Trace trace(Trace::NoEntryLine{}, "GetIccProfile");
@@ -147,6 +148,7 @@ QSRSLT CScanProtocol::GetPushScanParameter(unsigned int generation, void* parame
   GetScanCmdInstance(m_pDevAcs, m_selectedDevice);
   GetDeviceCapsInstance();
   // Kept: success with nothing written. Hosts ask before they initialise and take any code as a fault of the device.
+  // Pinned by ScanProtocol_test "Before initialize each operation gives its own refusal".
   if (!m_initialized) return trace.ret(QSRSLT_SUCCESS);
   if (parameters == nullptr) return trace.ret(QSRSLT_NULL_ARGUMENT);
   if (PrepareScanning(m_selectedDevice) != 0) return trace.ret(QSRSLT_NOT_PREPARED);
