@@ -87,7 +87,7 @@ struct MONOTHRESHOLDSUPPORT {
 };
 struct SUPPORTADJUSTLEVEL {
   CAP cap;
-  std::int32_t level;  // the highest that the device knows, 1 to 255; 0 without the feature
+  std::int32_t level;  // the highest, up to 255; below 2 the feature is on or off only
 };
 struct BACKGROUNDREMOVALSUPPORT {
   SUPPORTADJUSTLEVEL blackAndWhite;
