@@ -1,49 +1,19 @@
 // Memory that runs out at any place below an operation: nothing is thrown out of it, it answers a code, and the object
 // serves the next call.
 //
-// operator new is replaced: the n-th allocation fails, n going up until an operation gets through without one. The
-// test's own allocations, and those of the device that stands in, are exempt.
+// The n-th allocation fails, n going up until an operation gets through without one. The allocations of the device that
+// stands in are exempt.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <functional>
-#include <new>
 #include <set>
 
 #include "tests/fakes/FakeCompanions.h"
+#include "tests/fakes/failing_new.h"
 #include "tests/reception/scan_harness.h"
 #include "tests/reception/scan_pictures.h"
-
-namespace {
-
-enum Scope { kNoThread, kThisThread, kEveryThread };
-
-std::atomic<Scope> scope{kNoThread};
-std::atomic<long> untilFailure{0};
-std::atomic<bool> failsOnlyOnce{true};
-thread_local bool isFailingThread = false;
-thread_local int exemptions = 0;
-
-bool failsNow() {
-  const Scope now = scope;
-  if (now == kNoThread || exemptions > 0 || (now == kThisThread && !isFailingThread)) return false;
-  const long left = --untilFailure;
-  return left == 0 || (left < 0 && !failsOnlyOnce);
-}
-
-}  // namespace
-
-// Not inlined: GCC would take free for the wrong partner of new.
-__attribute__((noinline)) void* operator new(std::size_t bytes) {
-  void* const block = failsNow() ? nullptr : std::malloc(bytes == 0 ? 1 : bytes);
-  if (block == nullptr) throw std::bad_alloc();
-  return block;
-}
-__attribute__((noinline)) void operator delete(void* block) noexcept { std::free(block); }
-__attribute__((noinline)) void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 // The linker leads the pauses of the core here.
 extern "C" int __wrap_nanosleep(const timespec*, timespec*) { return 0; }
@@ -51,32 +21,10 @@ extern "C" int __wrap_nanosleep(const timespec*, timespec*) { return 0; }
 namespace reception_test {
 namespace {
 
+using fakes::FailingNew;
 using fakes::MemoryDevice;
-
-struct Exempt {
-  Exempt() { ++exemptions; }
-  ~Exempt() { --exemptions; }
-};
-
-enum Often { kOnce, kForEver };
-
-// While it lives, the n-th allocation fails, or all from the n-th on.
-class Failing {
- public:
-  Failing(Scope where, long n, Often often = kOnce) {
-    isFailingThread = true;
-    untilFailure = n;
-    failsOnlyOnce = often == kOnce;
-    scope = where;
-  }
-  ~Failing() { stop(); }
-  // Whether an allocation failed.
-  bool stop() {
-    scope = kNoThread;
-    isFailingThread = false;
-    return untilFailure <= 0;
-  }
-};
+using fakes::Often;
+using fakes::Threads;
 
 // The device of a test, whose own allocations do not fail.
 class ExemptDevice final : public IDeviceAccess {
@@ -86,23 +34,23 @@ class ExemptDevice final : public IDeviceAccess {
   void ReservedFirst() override {}
   void ReservedSecond() override {}
   int Open(_DEV_IDENTIFIER& id) override {
-    const Exempt exempt;
+    const fakes::ExemptFromFailingNew exempt;
     return withResults(device_.Open(id));
   }
   void Close() override {
-    const Exempt exempt;
+    const fakes::ExemptFromFailingNew exempt;
     device_.Close();
   }
   bool IsOpen() override {
-    const Exempt exempt;
+    const fakes::ExemptFromFailingNew exempt;
     return device_.IsOpen();
   }
   int Read(void* buffer, unsigned int size, unsigned int wanted, long timeOutMs) override {
-    const Exempt exempt;
+    const fakes::ExemptFromFailingNew exempt;
     return withResults(device_.Read(buffer, size, wanted, timeOutMs));
   }
   int Write(const void* data, int size, int flags) override {
-    const Exempt exempt;
+    const fakes::ExemptFromFailingNew exempt;
     return withResults(device_.Write(data, size, flags));
   }
 
@@ -151,11 +99,11 @@ template <class Answer>
 std::set<Answer> failEach(const char* name, const std::function<void(Bench&)>& prepare,
                           const std::function<Answer(Bench&)>& operation, const std::function<bool(Answer)>& isGood) {
   std::set<Answer> answers;
-  for (const Often often : {kOnce, kForEver}) {
+  for (const Often often : {Often::Once, Often::ForEver}) {
     for (int n = 1;; ++n) {
       Bench bench;
       prepare(bench);
-      Failing failing(kThisThread, n, often);
+      FailingNew failing(Threads::This, n, often);
       const Answer answer = operation(bench);
       if (!failing.stop()) {
         EXPECT_TRUE(isGood(answer)) << name;
@@ -204,7 +152,7 @@ TEST(OutOfMemory, WithoutACapabilityObjectNothingIsAsked) {
   Bench bench;
   bench.core.SetScanCommand(&command);
   QS_SCANNER_CAPABILITY capability{};
-  Failing failing(kThisThread, 1, kForEver);
+  FailingNew failing(Threads::This, 1, Often::ForEver);
   const QSRSLT result = bench.core.QueryDeviceCapabilities(&capability);
   failing.stop();
   EXPECT_EQ(result, 0x30100002u);
@@ -229,7 +177,7 @@ TEST(OutOfMemory, TheOtherOperationsOfAScanNeedNone) {
     void* data = nullptr;
     int size = 0;
     _QS_SELECT_DEVICE_INFO info{};
-    Failing failing(kThisThread, 1);
+    FailingNew failing(Threads::This, 1);
     const QSRSLT read = bench.core.ReadImageData(&image, &pageNo);
     bench.core.GetScanBitmapImageInfo();
     bench.core.GetIccProfile(&data, &size);
@@ -251,7 +199,7 @@ TEST(OutOfMemory, TheOtherOperationsOfAScanNeedNone) {
 TEST(OutOfMemory, WithoutTheDeviceModuleIsAModuleThatCannotBeLoaded) {
   for (int n = 1; n < 1000; ++n) {
     CScanProtocol core;
-    Failing failing(kThisThread, n);
+    FailingNew failing(Threads::This, n);
     const QSRSLT result = core.Initialize();
     if (!failing.stop()) {
       EXPECT_EQ(result, 0u);
@@ -268,7 +216,7 @@ TEST(OutOfMemory, WithoutTheDeviceModuleIsAModuleThatCannotBeLoaded) {
 TEST(OutOfMemory, TheFactoryGivesNull) {
   int made = 0;
   for (int n = 1; n < 1000 && made == 0; ++n) {
-    Failing failing(kThisThread, n);
+    FailingNew failing(Threads::This, n);
     IScanCoreApi* const core = CreateInstance();
     const bool failed = failing.stop();
     EXPECT_EQ(core == nullptr, failed) << n;
@@ -319,7 +267,7 @@ TEST(OutOfMemory, OnAnyThreadOfAScanIsAResultAndTheNextScanRuns) {
   Bench bench;
   for (int n = 1; n < 2000; ++n) {
     bench.servePages();
-    Failing failing(kEveryThread, n);
+    FailingNew failing(Threads::Every, n);
     const Result result = scanAndCompare(bench, expected);
     const bool failed = failing.stop();
     EXPECT_FALSE(result.isLate) << n;

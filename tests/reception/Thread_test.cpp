@@ -7,26 +7,11 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <new>
 #include <string>
 #include <system_error>
-#include <utility>
 
 #include "reception/WriteReadMutex.h"
-
-namespace {
-// The next allocation of this thread fails, once.
-thread_local bool failsNext = false;
-}  // namespace
-
-// Not inlined: GCC would take free for the wrong partner of new.
-__attribute__((noinline)) void* operator new(std::size_t bytes) {
-  void* const block = std::exchange(failsNext, false) ? nullptr : std::malloc(bytes == 0 ? 1 : bytes);
-  if (block == nullptr) throw std::bad_alloc();
-  return block;
-}
-__attribute__((noinline)) void operator delete(void* block) noexcept { std::free(block); }
-__attribute__((noinline)) void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+#include "tests/fakes/failing_new.h"
 
 namespace orvalle_scan_api {
 namespace {
@@ -168,11 +153,12 @@ TEST(ThreadDeathTest, StartingOneThatIsNotJoinedEndsTheProcess) {
 
 TEST(Thread, AThreadThatHasNoMemoryIsOneThatCouldNotBeMade) {
   Worker worker;
-  failsNext = true;
+  fakes::FailingNew failing(fakes::Threads::This, 1);
   try {
     worker.Start();
     ADD_FAILURE() << "it has started";
   } catch (const std::system_error& failure) {
+    failing.stop();
     EXPECT_EQ(std::string(failure.what()).rfind("thread constructor failed", 0), 0u) << failure.what();
     EXPECT_EQ(failure.code(), std::errc::not_enough_memory);
   }
