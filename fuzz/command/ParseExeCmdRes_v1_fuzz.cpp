@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto rest = static_cast<std::size_t>(end - at);
     SCANIMAGEINFO info;
     if (CParseExeCmdRes_v1().ParseXcmdImageDataInfo(at, rest, &info) != 0) std::abort();
-    touchAll(reinterpret_cast<const std::uint8_t*>(&info.recordKind), sizeof info.recordKind);
+    touchAll(reinterpret_cast<const std::uint8_t*>(&info), sizeof info);
     const LINEDATA& line = info.lineData;
     if (info.isIncomplete) {
       if (info.next != nullptr) std::abort();

@@ -62,7 +62,7 @@ std::string CCmdString_v1::MakePaperSourceString(SCANCMD_PAPERSOURCE_TYPE source
 }
 
 std::string CCmdString_v1::MakeResolutionString(const Param& param) const {
-  return line("R", joined({param.resolution.x, param.resolution.y}));
+  return line("R", joined(number_, {param.resolution.x, param.resolution.y}));
 }
 
 std::string CCmdString_v1::MakeScanModeString(const Param& param) const {
@@ -97,16 +97,16 @@ std::string CCmdString_v1::MakeJpegCompressionRateString(const Param&) const {
 }
 
 std::string CCmdString_v1::MakeBrightnessString(const Param& param) const {
-  return line("B", decimal(param.brightness + 50LL));
+  return line("B", number_.ToString(param.brightness + 50LL));
 }
 
 std::string CCmdString_v1::MakeConstrastString(const Param& param) const {
-  return line("N", decimal(param.contrast + 50LL));
+  return line("N", number_.ToString(param.contrast + 50LL));
 }
 
 std::string CCmdString_v1::MakeScanAreaString(const Param& param) const {
   const _SCANCMD_SCANAREA& area = param.scanArea;
-  return line("A", joined({area.left, area.top, area.left + area.width, area.top + area.height}));
+  return line("A", joined(number_, {area.left, area.top, area.left + area.width, area.top + area.height}));
 }
 
 std::string CCmdString_v1::MakeOnePageScanString(const Param& param) const {
@@ -115,7 +115,7 @@ std::string CCmdString_v1::MakeOnePageScanString(const Param& param) const {
 }
 
 std::string CCmdString_v1::MakeErrorSuppressString(const Param& param) const {
-  return line("E", decimal(GetErrorSuppressBit(param)));
+  return line("E", number_.ToString(GetErrorSuppressBit(param)));
 }
 
 std::string CCmdString_v1::MakeGroundColorRemovalString(const Param& param) const {
@@ -123,7 +123,7 @@ std::string CCmdString_v1::MakeGroundColorRemovalString(const Param& param) cons
 }
 
 std::string CCmdString_v1::MakeGroundColorRemovalLevelString(const Param& param) const {
-  return line("L", decimal(param.groundColorRemoval.level));
+  return line("L", number_.ToString(param.groundColorRemoval.level));
 }
 
 std::uint32_t CCmdString_v1::GetErrorSuppressBit(const Param& param) const {

@@ -2,12 +2,13 @@
 //
 // Every operation builds one line KEY=VALUE ended by 0x0A; no line depends on a condition. The whole commands are
 // tables of these operations in wire order.
-// Threads: reentrant.
+// Threads: one thread at a time, since all operations share the text of a number.
 #pragma once
 
 #include <string>
 
 #include "command/scancmd_param.h"
+#include "foundation/qvtcl/TString.h"
 
 namespace orvalle_scan_api {
 
@@ -39,6 +40,9 @@ class CCmdString_v1 {
 
   // Bit 0: double feeds are detected; bit 1: landscape.
   std::uint32_t GetErrorSuppressBit(const _SCANCMD_SCANPARAM& param) const;
+
+ private:
+  mutable qvtcl::CTString number_;  // the number that is being written
 };
 
 }  // namespace orvalle_scan_api

@@ -58,8 +58,8 @@ const char* onOff(bool on) { return on ? "ON" : "OFF"; }
 
 // The three-way form of a function that may have a level.
 template <class Setting>
-std::string onOffOrLevel(const Setting& setting) {
-  if (setting.isOn && setting.hasLevel) return decimal(setting.level);
+const char* onOffOrLevel(qvtcl::CTString& number, const Setting& setting) {
+  if (setting.isOn && setting.hasLevel) return number.ToString(setting.level);
   return onOff(setting.isOn);
 }
 
@@ -92,7 +92,7 @@ std::string CCmdString_v2::MakePaperSourceString(const Param& param) const {
 }
 
 std::string CCmdString_v2::MakeResolutionString(const Param& param) const {
-  return line("RESO", param.resolution.isAuto ? "AUTO" : joined({param.resolution.x, param.resolution.y}));
+  return line("RESO", param.resolution.isAuto ? "AUTO" : joined(number_, {param.resolution.x, param.resolution.y}));
 }
 
 std::string CCmdString_v2::MakeColorTypeString(const Param& param) const {
@@ -107,7 +107,7 @@ std::string CCmdString_v2::MakeScanAreaString(const Param& param) const {
 std::string CCmdString_v2::MakeMarginAreaString(const Param& param) const {
   // The order left, right, top, bottom is the device's; it is not the rectangle's own.
   const tagRECT& margin = param.marginArea;
-  return line("MRGN", joined({margin.left / 10, margin.right / 10, margin.top / 10, margin.bottom / 10}));
+  return line("MRGN", joined(number_, {margin.left / 10, margin.right / 10, margin.top / 10, margin.bottom / 10}));
 }
 
 std::string CCmdString_v2::MakeDuplexScanString(const Param& param) const {
@@ -116,21 +116,21 @@ std::string CCmdString_v2::MakeDuplexScanString(const Param& param) const {
 }
 
 std::string CCmdString_v2::MakeBrightnessString(const Param& param) const {
-  return line("BRIT", decimal(param.brightness + 50LL));
+  return line("BRIT", number_.ToString(param.brightness + 50LL));
 }
 
 std::string CCmdString_v2::MakeContrastString(const Param& param) const {
-  return line("CONT", decimal(param.contrast + 50LL));
+  return line("CONT", number_.ToString(param.contrast + 50LL));
 }
 
 std::string CCmdString_v2::MakeAutoColorLevelString(const Param& param) const {
   if (!param.autoColorLevelOn) return {};
-  return line("ATCL", joined({param.autoColorLevel.first, param.autoColorLevel.second}));
+  return line("ATCL", joined(number_, {param.autoColorLevel.first, param.autoColorLevel.second}));
 }
 
 std::string CCmdString_v2::MakeMonoThresholdString(const Param& param) const {
   if (param.monoThreshold.useDeviceValue || !param.monoThreshold.isValid) return {};
-  return line("THRS", decimal(param.monoThreshold.threshold));
+  return line("THRS", number_.ToString(param.monoThreshold.threshold));
 }
 
 std::string CCmdString_v2::MakeCompressionString(const Param& param) const {
@@ -139,7 +139,7 @@ std::string CCmdString_v2::MakeCompressionString(const Param& param) const {
 }
 
 std::string CCmdString_v2::MakeJpegCompressionRateString(const Param& param) const {
-  return line("RATE", decimal(param.jpegCompressionRate));
+  return line("RATE", number_.ToString(param.jpegCompressionRate));
 }
 
 std::string CCmdString_v2::MakeJpegSamplingFactorString(const Param& param) const {
@@ -160,7 +160,7 @@ std::string CCmdString_v2::MakePaperTypeString(const Param& param) const {
 }
 
 std::string CCmdString_v2::MakeScanPageString(const Param& param) const {
-  return line("PAGE", decimal(param.scanPage));
+  return line("PAGE", number_.ToString(param.scanPage));
 }
 
 std::string CCmdString_v2::MakeLongPaperModeString(const Param& param) const {
@@ -173,11 +173,11 @@ std::string CCmdString_v2::MakeCarrierSheetModeSetring(const Param& param) const
 }
 
 std::string CCmdString_v2::MakeGroundColorRemovalString(const Param& param) const {
-  return line("RMGC", onOffOrLevel(param.groundColorRemoval));
+  return line("RMGC", onOffOrLevel(number_, param.groundColorRemoval));
 }
 
 std::string CCmdString_v2::MakeDoubleFeedDetectionString(const Param& param) const {
-  return line("DTDF", onOffOrLevel(param.doubleFeedDetection));
+  return line("DTDF", onOffOrLevel(number_, param.doubleFeedDetection));
 }
 
 std::string CCmdString_v2::MakeDoubleFeedMotionString(const Param& param) const {
@@ -198,7 +198,7 @@ std::string CCmdString_v2::MakeLandScapeModeString(const Param& param) const {
 }
 
 std::string CCmdString_v2::MakeBlankPageRemoval(const Param& param) const {
-  return line("RMBP", onOffOrLevel(param.blankPageRemoval));
+  return line("RMBP", onOffOrLevel(number_, param.blankPageRemoval));
 }
 
 std::string CCmdString_v2::MakeMoireRemovalString(const Param& param) const {
@@ -207,7 +207,7 @@ std::string CCmdString_v2::MakeMoireRemovalString(const Param& param) const {
 
 std::string CCmdString_v2::MakeGammaAdjustString(const Param& param) const {
   if (!param.gammaAdjust.isOn) return line("GMMA", "OFF");
-  return line("GMMA", param.gammaAdjust.value == 0 ? "" : decimal(param.gammaAdjust.value));
+  return line("GMMA", param.gammaAdjust.value == 0 ? "" : number_.ToString(param.gammaAdjust.value));
 }
 
 std::string CCmdString_v2::MakeToneAdjustString(const Param& param) const {
@@ -225,7 +225,7 @@ std::string CCmdString_v2::MakeUserName(const Param& param) const {
 std::string CCmdString_v2::MakeLastScanAreaString(const Param& param) const {
   const _SCANCMD_SCANAREA& area = param.scanArea;
   if (const char* word = wordOf(kAreaWords, area.areaType, nullptr); word != nullptr) return line("AREA", word);
-  return line("AREA", joined({area.left, area.top, area.left + area.width, area.top + area.height}));
+  return line("AREA", joined(number_, {area.left, area.top, area.left + area.width, area.top + area.height}));
 }
 
 std::string CCmdString_v2::MakeSpecialModeString(const Param& param) const {

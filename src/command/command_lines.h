@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "command/scancmd_param.h"
+#include "foundation/qvtcl/TString.h"
 
 namespace orvalle_scan_api::command_lines {
 
@@ -30,17 +31,13 @@ std::string line(const char* key, std::string_view value);
 // VALUE and 0x0A, the line of a command whose one line has no key.
 std::string lineWithoutKey(const char* value);
 
+// The numbers in decimal with commas between them. scratch holds one at a time.
 template <class Number>
-std::string decimal(Number number) {
-  return std::to_string(number);
-}
-// The numbers with commas between them.
-template <class Number>
-std::string joined(std::initializer_list<Number> numbers) {
+std::string joined(qvtcl::CTString& scratch, std::initializer_list<Number> numbers) {
   std::string text;
   for (const Number number : numbers) {
     if (!text.empty()) text += ',';
-    text += decimal(number);
+    text += scratch.ToString(number);
   }
   return text;
 }
