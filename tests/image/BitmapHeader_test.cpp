@@ -106,6 +106,25 @@ TEST(BitmapHeader, TheHeaderSizesDecideWhatCanBeRead) {
   EXPECT_EQ(header.GetBmpInfoHeader(bmp.data(), sizeOf(bmp)), bmp.data() + 14);
 }
 
+TEST(BitmapHeader, NoDataGive0FromEveryAccessor) {
+  CBitmapHeader header;
+  for (unsigned size : {0u, 1000u}) {
+    EXPECT_FALSE(header.IsBmpData(nullptr, size));
+    EXPECT_EQ(header.GetBmpFileHeader(nullptr, size), nullptr);
+    EXPECT_EQ(header.GetBmpInfoHeader(nullptr, size), nullptr);
+    EXPECT_FALSE(header.IsColorPaletteContain(nullptr, size));
+    EXPECT_EQ(header.GetColorPaletteNum(nullptr, size), 0);
+    EXPECT_EQ(header.GetBmpColorPaletterPointer(nullptr, size), nullptr);
+    EXPECT_EQ(header.GetWhiteDataValue(nullptr, size), 0xFF);
+    EXPECT_EQ(header.GetResolutionX(nullptr, size) + header.GetResolutionY(nullptr, size), 0);
+    EXPECT_EQ(header.GetWidthPixel(nullptr, size) + header.GetHeightPixel(nullptr, size), 0);
+    EXPECT_EQ(header.GetPixelDataSize(nullptr, size), 0u);
+    EXPECT_FALSE(header.SetHeightPixel(nullptr, size, 5));
+    EXPECT_EQ(header.GetColorPaletteIndexOfBlack(nullptr, size), 0);
+    EXPECT_EQ(header.GetColorPaletteIndexOfWhite(nullptr, size), 0);
+  }
+}
+
 TEST(BitmapHeader, TwoBitsHaveFourEntriesWhenWrittenAndNoneWhenRead) {
   CBitmapHeader header;
   ByteVector bmp = fakes::makeBmp(8, 1, 24, ByteVector(40));
