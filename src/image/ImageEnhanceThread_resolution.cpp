@@ -100,7 +100,7 @@ QSRSLT CImageEnhanceThread::ChangeImageResolutionProc(const CImageDataStore& sou
   open.inLinePixels = static_cast<unsigned long>(std::max(0, source.GetWidthPixel()));
   open.colorOrder = 3;
   CQvChangeReso reso;
-  if (!reso.ChangeResoInit(&open)) return trace.qsrslt(QSRSLT_CHANGE_RESO_INIT);
+  if (!reso.ChangeResoInit(&open) || open.outPixels == 0) return trace.qsrslt(QSRSLT_CHANGE_RESO_INIT);
 
   CBitmapHeader bitmap;
   const int bpp = source.GetBitPerPixel();
