@@ -12,18 +12,18 @@ CModuleInstances::~CModuleInstances() {
   FreeDeviceAccessInstance();
 }
 
-std::string CModuleInstances::GenerateModulePathInCurrentFolder(const char* fileName) {
-  std::string path = qvtcl::CTModulePath().GenerateModuleFileName(qvtcl::kDriverIdentifier, fileName);
-  g_ScanDevApiLog.WriteLog(1, "Module Path: %s", path.c_str());
+qvtcl::CTString CModuleInstances::GenerateModulePathInCurrentFolder(const char* fileName) {
+  qvtcl::CTString path = qvtcl::CTModulePath().GenerateModuleFileName(qvtcl::kDriverIdentifier, fileName);
+  g_ScanDevApiLog.WriteLog(1, "Module Path: %s", path.C_str());
   return path;
 }
 
 template <class T>
 T* CModuleInstances::get(Module<T>& module, const char* getter, const char* fileName, bool evenWhenCached) {
   Trace trace(getter);
-  const std::string path = GenerateModulePathInCurrentFolder(fileName);
-  if ((module.cached == nullptr || evenWhenCached) && !path.empty()) {
-    module.cached = module.library.GetInterface(path.c_str());
+  const qvtcl::CTString path = GenerateModulePathInCurrentFolder(fileName);
+  if ((module.cached == nullptr || evenWhenCached) && !path.IsEmpty()) {
+    module.cached = module.library.GetInterface(path.C_str());
   }
   return trace.instance(module.cached);
 }

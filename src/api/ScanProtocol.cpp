@@ -20,7 +20,7 @@ constexpr unsigned int kRecordVersion1 = 1;
 
 }  // namespace
 
-CScanProtocol::CScanProtocol() { qvtcl::CTModulePath::RememberOwnFolder(); }
+CScanProtocol::CScanProtocol() { qvtcl::CTModulePath::RememberOwnFile(); }
 
 CScanProtocol::~CScanProtocol() { CScanProtocol::UnInitialize(); }
 
