@@ -2,7 +2,7 @@
 //
 // Kept: keywords are looked for anywhere in a value and in the order of their rows, so that a keyword inside another
 // one hides it: PHOTOL and PHOTO2L are read as PHOTO, POSTCARD2 as POSTCARD, BCARDV as BCARD, MULTI-TIFF as TIFF, and
-// 10 as on. It looks like a wrong order; clients know these devices' answers this way. Pinned by skey_items_test
+// 10 as on. It looks like a wrong order; clients know these devices' answers this way. Pinned by skey_items_v1_test
 // "AKeywordInsideAnotherOneHidesIt".
 #include <algorithm>
 #include <span>
@@ -78,10 +78,10 @@ constexpr FileTypeRow kFileTypes[] = {
 };
 
 // The first row whose keyword is in the value, or null.
-template <class Row>
-const Row* firstHit(std::span<const Row> rows, const CTString& value) {
-  const auto hit = std::ranges::find_if(rows, [&value](const Row& row) { return contains(value, row.keyword); });
-  return hit == rows.end() ? nullptr : &*hit;
+template <class Rows>
+const auto* firstHit(const Rows& rows, const CTString& value) {
+  const auto hit = std::ranges::find_if(rows, [&value](const auto& row) { return contains(value, row.keyword); });
+  return hit == std::ranges::end(rows) ? nullptr : &*hit;
 }
 
 PUSHSCAN_VALUE keywordItem(const CTString& text, const char* key, std::span<const KeywordRow> rows) {
@@ -145,7 +145,7 @@ PUSHSCAN_STATE CParseCmdRes_v1::GetSkeyAutoCropInfo(CTString text) const {
 
 PUSHSCAN_FILETYPE CParseCmdRes_v1::GetSkeyFileTypeInfo(CTString text) const {
   PUSHSCAN_FILETYPE file{};
-  const FileTypeRow* row = firstHit(std::span(kFileTypes), lineValue(text, "T="));
+  const FileTypeRow* row = firstHit(kFileTypes, lineValue(text, "T="));
   if (row == nullptr) return file;
   file.valid = true;
   file.format = row->format;
@@ -176,7 +176,7 @@ PUSHSCAN_ORIENT CParseCmdRes_v1::GetSkeyOrientInfo(CTString text) const {
   const PUSHSCAN_STATE landscape = GetSkeySettingSwitchTypeInfo(text, "O=", "1", "0");
   if (landscape.valid && landscape.on) return {true, true, 0};
   // Kept: the angle is in hundredths of a degree, while a second-generation device's is in degrees. Readers of the
-  // record take both. Pinned by skey_items_test "ATurnedPageIs9000".
+  // record take both. Pinned by skey_items_v1_test "ATurnedPageIs9000".
   const CTString angle = lineValue(text, "X=");
   if (contains(angle, "0")) return {true, false, 0};
   if (contains(angle, "1")) return {true, false, 9000};
@@ -188,7 +188,7 @@ PUSHSCAN_STATE CParseCmdRes_v1::GetSkeyDskewInfo(CTString text) const {
 }
 
 // Kept: an explicit 0 leaves the item invalid, as if the line were missing; a second-generation device's off is valid.
-// Pinned by skey_items_test "BackgroundRemovalIsValidOnlyWhenItIsOn".
+// Pinned by skey_items_v1_test "BackgroundRemovalIsValidOnlyWhenItIsOn".
 PUSHSCAN_REMOVEBACKGROUND CParseCmdRes_v1::GetSkeyRemoveBacgroundInfo(CTString text) const {
   if (!contains(lineValue(text, "G="), "1")) return {};
   const PUSHSCAN_VALUE level = GetSkeySettingValueTypeInfo(text, "L=", 255, 0);
