@@ -23,7 +23,7 @@ constexpr DETECTPAPERTABLE tblDetectPaperTypeMm[] = {
 };
 // Kept: the search ends after four rows, so that every edge from the fifth row's bound on is A5 and the rows behind it
 // name nothing. It looks like a wrong count; with all rows searched, pages that clients know as A5 would change their
-// name. Pinned by PaperSize_test "EveryEdgeFrom153MillimetresOnIsA5".
+// name. Pinned by paper_corners_test "EveryEdgeFrom153MillimetresOnIsA5".
 constexpr int kSearchedRows = 4;
 constexpr PAPERTYPE kPaperOfNoRow = PAPERTYPE_A5;
 

@@ -245,7 +245,10 @@ TEST(ParseCmdResV1Actual, ACutLineTellsWhatItStillTells) {
 }
 
 TEST(ParseCmdResV1Actual, AZeroByteEndsTheLine) {
-  const ACTUALSCANPARAM actual = actualOf(std::string_view("300,6\0" "00,1", 10));
+  const ACTUALSCANPARAM actual =
+      actualOf(std::string_view("300,6\0"
+                                "00,1",
+                                10));
   EXPECT_EQ(actual.resolution.y, 6u);
   EXPECT_EQ(actual.paperSource, 0);
 }
