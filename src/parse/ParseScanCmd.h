@@ -5,6 +5,8 @@
 // Threads: an object belongs to one call.
 #pragma once
 
+#include "command/ParseExeCmdRes_v1.h"
+#include "command/ParseExeCmdRes_v2.h"
 #include "parse/IParseScanCmd.h"
 #include "parse/ParseCmdRes_v1.h"
 #include "parse/ParseCmdRes_v2.h"
@@ -27,6 +29,9 @@ class CParseScanCmd : public IParseScanCmd {
  private:
   CParseCmdRes_v1 v1_;
   CParseCmdRes_v2 v2_;
+  // The image streams' parsers, which no body needs: they complete the parsers of a device.
+  [[maybe_unused]] CParseExeCmdRes_v1 streamV1_;
+  [[maybe_unused]] CParseExeCmdRes_v2 streamV2_;
 };
 
 }  // namespace orvalle_scan_api
