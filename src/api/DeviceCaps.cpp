@@ -52,8 +52,7 @@ QSRSLT CDeviceCaps::fetch() {
     return result;
   }
   if (info.size <= 0) return QSRSLT_CAPS_EMPTY;
-  m_pCapability.reset(new (std::nothrow) QS_SCANNER_CAPABILITY(CParseScanCmd().ParseDeviceInfoData(&info)));
-  if (m_pCapability == nullptr) return QSRSLT_NO_CAPS_OBJECT;
+  m_pCapability = std::make_unique<QS_SCANNER_CAPABILITY>(CParseScanCmd().ParseDeviceInfoData(&info));
   WriteLogScannerCapabilities();
   return QSRSLT_SUCCESS;
 }

@@ -22,7 +22,7 @@ class CDeviceCaps final : public ICDeviceCaps {
   QSRSLT UnInitialize() override;
   bool IsInitialized() override { return m_initialized; }
 
-  //   0x10300001  not initialised    0x1030000A  empty answer    0x30100002  out of memory    or the command's code
+  //   0x10300001  not initialised    0x1030000A  empty answer    or the command's code
   QSRSLT GetDeviceCapability(QS_SCANNER_CAPABILITY* out) override;
   std::uint16_t GetScannerCommandVersion() override;
 

@@ -1,5 +1,6 @@
 #include "api/ModuleInstances.h"
 
+#include "api/DynLib_base.h"
 #include "foundation/qvtcl/TModulePath.h"
 #include "foundation/trace.h"
 
@@ -12,18 +13,19 @@ CModuleInstances::~CModuleInstances() {
   FreeDeviceAccessInstance();
 }
 
-std::string CModuleInstances::GenerateModulePathInCurrentFolder(const char* fileName) {
-  std::string path = qvtcl::CTModulePath().GenerateModuleFileName(qvtcl::kDriverIdentifier, fileName);
-  g_ScanDevApiLog.WriteLog(1, "Module Path: %s", path.c_str());
+qvtcl::CTString CModuleInstances::GenerateModulePathInCurrentFolder(const char* fileName) {
+  [[maybe_unused]] const CDynLib_base self;  // made, and asked for nothing: the path is found without a handle
+  qvtcl::CTString path = qvtcl::CTModulePath().GenerateModuleFileName(qvtcl::kDriverIdentifier, fileName);
+  g_ScanDevApiLog.WriteLog(1, "Module Path: %s", path.C_str());
   return path;
 }
 
 template <class T>
 T* CModuleInstances::get(Module<T>& module, const char* getter, const char* fileName, bool evenWhenCached) {
   Trace trace(getter);
-  const std::string path = GenerateModulePathInCurrentFolder(fileName);
-  if ((module.cached == nullptr || evenWhenCached) && !path.empty()) {
-    module.cached = module.library.GetInterface(path.c_str());
+  const qvtcl::CTString path = GenerateModulePathInCurrentFolder(fileName);
+  if ((module.cached == nullptr || evenWhenCached) && !path.IsEmpty()) {
+    module.cached = module.library.GetInterface(path.C_str());
   }
   return trace.instance(module.cached);
 }
@@ -41,6 +43,7 @@ IScanDec* CModuleInstances::GetScanDecInstance() { return get(scanDec_, __func__
 IDeviceAccess* CModuleInstances::GetDeviceAccessInstance() { return get(deviceAccess_, __func__, "QsDeviceAccs.so"); }
 IImageEnhance* CModuleInstances::GetImageEnhanceInstance() { return get(imageEnhance_, __func__, "QsImageEnhance.so"); }
 // Kept: this getter asks the module again although a pointer is cached; GetInterface then hands back the same object.
+// Pinned by ModuleInstances_test "Load each module on its first demand and once".
 IQvScnImgProc* CModuleInstances::GetImageProcessInstance() {
   return get(imageProcess_, __func__, "QvScnImgProc.so", true);
 }

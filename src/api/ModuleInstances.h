@@ -4,9 +4,8 @@
 // Threads: not locked. A getter of a loaded module only rereads the cached pointer.
 #pragma once
 
-#include <string>
-
 #include "foundation/qvtcl/TDynLib.h"
+#include "foundation/qvtcl/TString.h"
 #include "modules/DeviceAccess.h"
 #include "modules/ImageEnhance.h"
 #include "modules/JpegDecode.h"
@@ -47,7 +46,7 @@ class CModuleInstances {
   static T* get(Module<T>& module, const char* getter, const char* fileName, bool evenWhenCached = false);
   template <class T>
   static void free(Module<T>& module, const char* releaser);
-  static std::string GenerateModulePathInCurrentFolder(const char* fileName);
+  static qvtcl::CTString GenerateModulePathInCurrentFolder(const char* fileName);
 
   Module<IJpegDecode> jpegDecode_;
   Module<IScanDec> scanDec_;

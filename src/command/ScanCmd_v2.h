@@ -4,6 +4,7 @@
 
 #include "command/CmdDevAccess.h"
 #include "command/CmdString_v2.h"
+#include "command/command_exchange.h"
 #include "command/scancmd_param.h"
 
 namespace orvalle_scan_api {
@@ -34,14 +35,9 @@ class CScanCmd_v2 {
   void FreeResCmdData();
 
  private:
-  // 0 where there is an access object and the arguments are there; looked at before anything is built or freed.
-  QSRSLT refusal(bool argumentsGiven) const;
-  QSRSLT queryConstant(const char* signature, const std::string& frame, _SCANCMD_RESPONSE_INFO& stored,
-                       _SCANCMD_RESPONSE_INFO* response);
-  QSRSLT query(const char* signature, const std::string& frame, _SCANCMD_RESPONSE_INFO& stored,
-               _SCANCMD_RESPONSE_INFO& response);
-  //   0x10210034  the frame is empty
-  QSRSLT send(const std::string& frame);
+  QSRSLT query(const char* signature, command_exchange::Arguments arguments,
+               const command_exchange::MakeFrame& makeFrame, _SCANCMD_RESPONSE_INFO& stored,
+               _SCANCMD_RESPONSE_INFO* response);
   QSRSLT RecvCmdResponseData(const char* signature, _SCANCMD_RESPONSE_INFO& stored, long timeOutMs);
 
   _SCANCMD_RESPONSE_INFO gkp_{};  // each owns its data

@@ -153,6 +153,17 @@ TEST_F(ScanCmd_v2, NullArgumentsAreRefusedUnbuiltAndUnsent) {
   EXPECT_EQ(log.all().find(" Command:"), std::string::npos) << log.all();
 }
 
+TEST_F(ScanCmd_v2, ARefusedArgumentBuildsNoFrameAndHandsOutWhatIsStored) {
+  device.expect(kQueries[1].frame).answer(framed("SSP", "good"));
+  EXPECT_EQ(command.ExeSSPcmd(&response, &param), 0u);
+  log.lines.clear();
+  response = {99, &rubbish};
+  EXPECT_EQ(command.ExeSSPcmd(&response, nullptr), 0x70210002u);
+  EXPECT_EQ(bodyOf(response), "good");
+  EXPECT_EQ(command.ExeSSPcmd(nullptr, &param), 0x70210002u);
+  for (const LogLine& line : log.lines) EXPECT_EQ(line.text.find("Command:"), std::string::npos) << line.text;
+}
+
 TEST_F(ScanCmd_v2, WithoutAccessNothingElseIsLookedAt) {
   CScanCmd_v2 without(nullptr);
   for (const Query& query : kQueries) EXPECT_EQ(query.run(without, nullptr), 0x40210011u) << query.signature;

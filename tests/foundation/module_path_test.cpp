@@ -3,6 +3,7 @@
 #include "foundation/qvtcl/TModulePath.h"
 
 using qvtcl::CTModulePath;
+using qvtcl::CTString;
 
 TEST(ModulePath, AnEmptyIdentifierOrFileNameGivesNothing) {
   EXPECT_EQ(CTModulePath().GenerateModuleFileName("", "a.so"), "");
@@ -11,14 +12,14 @@ TEST(ModulePath, AnEmptyIdentifierOrFileNameGivesNothing) {
 }
 
 TEST(ModulePath, NullAndTheDriverIdentifierNameTheFolderOfTheProgramThatHoldsTheCore) {
-  const std::string path = CTModulePath().GenerateModuleFileName(nullptr, "a.so");
-  EXPECT_EQ(path.front(), '/');
-  EXPECT_EQ(path.substr(path.size() - 5), "/a.so");
+  const CTString path = CTModulePath().GenerateModuleFileName(nullptr, "a.so");
+  EXPECT_EQ(path.GetAt(0), '/');
+  EXPECT_EQ(path.Right(5), "/a.so");
   EXPECT_EQ(CTModulePath().GenerateModuleFileName(qvtcl::kDriverIdentifier, "a.so"), path);
 }
 
 TEST(ModulePath, ALoadedObjectIsFoundByItsStemAndAnUnknownOneIsNot) {
-  const std::string path = CTModulePath().GenerateModuleFileName("libc.so", "a.so");
-  EXPECT_EQ(path.substr(path.size() - 5), "/a.so");
+  const CTString path = CTModulePath().GenerateModuleFileName("libc.so", "a.so");
+  EXPECT_EQ(path.Right(5), "/a.so");
   EXPECT_EQ(CTModulePath().GenerateModuleFileName("libnothing", "a.so"), "");
 }

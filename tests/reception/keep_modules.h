@@ -13,7 +13,7 @@ namespace reception_test {
 // they are looked for.
 inline void keepModulesLoaded() {
   static const bool once = [] {
-    qvtcl::CTModulePath::RememberOwnFolder();
+    qvtcl::CTModulePath::RememberOwnFile();
     const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
     for (const char* stem : {"QsScanDecode", "QsJpegDecode", "QsImageEnhance"}) {
       dlopen((folder / (std::string(stem) + ".so")).c_str(), RTLD_LAZY | RTLD_LOCAL);

@@ -11,30 +11,27 @@
 namespace qvtcl {
 namespace {
 
-std::string folderOf(std::string path) {
-  const std::size_t slash = path.find_last_of("/\\");
-  return slash == std::string::npos ? std::string() : path.substr(0, slash);
-}
+constexpr char kProgram[] = "/proc/self/exe";
 
-std::string realPath(const char* path) {
+CTString realPath(const char* path) {
   char resolved[PATH_MAX];
-  return realpath(path, resolved) == nullptr ? std::string() : std::string(resolved);
+  return CTString(path == nullptr ? nullptr : realpath(path, resolved));
 }
 
-const std::string& ownFolder() {
-  static const std::string folder = [] {
+const CTString& ownFile() {
+  static const CTString file = [] {
     Dl_info info{};
-    if (dladdr(reinterpret_cast<const void*>(&CTModulePath::RememberOwnFolder), &info) == 0) return std::string();
+    if (dladdr(reinterpret_cast<const void*>(&CTModulePath::RememberOwnFile), &info) == 0) return CTString();
     // The program itself is known by the name it was called with, which need not be a path.
-    const std::string path = realPath(info.dli_fname);
-    return folderOf(path.empty() ? realPath("/proc/self/exe") : path);
+    CTString path = realPath(info.dli_fname);
+    return path.IsEmpty() ? realPath(kProgram) : path;
   }();
-  return folder;
+  return file;
 }
 
 struct Search {
   std::string_view stem;
-  std::string path;
+  CTString path;
 };
 
 int matchObject(struct dl_phdr_info* object, std::size_t, void* context) {
@@ -43,26 +40,67 @@ int matchObject(struct dl_phdr_info* object, std::size_t, void* context) {
   std::string_view name = path.substr(path.find_last_of('/') + 1);
   name = name.substr(0, name.find_last_of('.'));
   if (name.empty() || name != search.stem) return 0;
-  search.path = path;
+  search.path = object->dlpi_name;
   return 1;
 }
 
-std::string folderOfObject(const char* identifier) {
-  if (identifier == nullptr) return folderOf(realPath("/proc/self/exe"));
-  if (std::strcmp(identifier, kDriverIdentifier) == 0) return ownFolder();
+CTString fileOfObject(const char* identifier) {
+  if (identifier == nullptr || identifier[0] == '\0') return {};
+  if (std::strcmp(identifier, kDriverIdentifier) == 0) return ownFile();
   Search search{identifier, {}};
-  if (search.stem.empty() || dl_iterate_phdr(matchObject, &search) == 0) return {};
-  return folderOf(realPath(search.path.c_str()));
+  if (dl_iterate_phdr(matchObject, &search) == 0) return {};
+  return realPath(search.path.C_str());
 }
 
 }  // namespace
 
-void CTModulePath::RememberOwnFolder() { ownFolder(); }
+void CTModulePath::RememberOwnFile() { ownFile(); }
 
-std::string CTModulePath::GenerateModuleFileName(const void* bundleId, const char* fileName) {
-  if (fileName == nullptr || fileName[0] == '\0') return {};
-  const std::string folder = folderOfObject(static_cast<const char*>(bundleId));
-  return folder.empty() ? std::string() : folder + "/" + fileName;
+CTString CTModulePath::GetModuleFullPathName(const void* bundleId) {
+  return fileOfObject(static_cast<const char*>(bundleId));
 }
+
+CTString CTModulePath::GetCurrentProcessFullPathName() { return realPath(kProgram); }
+
+CTString CTModulePath::GetModuleFullName(const void* bundleId) { return GetModuleFullPathName(bundleId); }
+
+CTString CTModulePath::GetModuleBaseName(const void* bundleId) {
+  CTString path = GetModuleFullPathName(bundleId);
+  RemoveFileExtensionName(path);
+  return path;
+}
+
+CTString CTModulePath::GetModulePathName(const void* bundleId) {
+  CTString path = GetModuleFullPathName(bundleId);
+  RemoveLastPathComponent(path);
+  return path;
+}
+
+CTString CTModulePath::GetProcessFullName() { return GetCurrentProcessFullPathName(); }
+
+CTString CTModulePath::GetProcessBaseName() {
+  CTString path = GetCurrentProcessFullPathName();
+  RemoveFileExtensionName(path);
+  return path;
+}
+
+CTString CTModulePath::GetProcessPathName() {
+  CTString path = GetCurrentProcessFullPathName();
+  RemoveLastPathComponent(path);
+  return path;
+}
+
+CTString CTModulePath::GenerateModuleFileName(const void* bundleId, const char* fileName) {
+  if (fileName == nullptr || fileName[0] == '\0') return {};
+  const CTString folder = bundleId == nullptr ? GetProcessPathName() : GetModulePathName(bundleId);
+  return folder.IsEmpty() ? CTString() : folder + "/" + fileName;
+}
+
+void CTModulePath::RemoveFileExtensionName(CTString& path) {
+  const unsigned long last = path.RFindOneOf("./\\");
+  if (path.GetAt(last) == '.') path.Erase(last);
+}
+
+void CTModulePath::RemoveLastPathComponent(CTString& path) { path.Erase(path.RFindOneOf("/\\")); }
 
 }  // namespace qvtcl

@@ -1,12 +1,11 @@
-// Where a module lies on disk.
+// Where the program and its shared objects lie on disk.
 //
-// A run-time module lies beside the shared object that it serves. An identifier names that object: null the program,
-// the driver's own identifier this library, any other a loaded shared object whose file name without extension equals
-// it. Every name is empty on failure.
-// Threads: reentrant.
+// An identifier, a text, names a shared object: the driver's own identifier this library, any other a loaded object
+// whose file name without extension equals it. A run-time module lies beside the object that it serves. Every name is
+// empty on failure. Threads: reentrant.
 #pragma once
 
-#include <string>
+#include "foundation/qvtcl/TString.h"
 
 namespace qvtcl {
 
@@ -16,12 +15,29 @@ class CTModulePath {
  public:
   virtual ~CTModulePath() = default;
 
-  // Folder of the object that bundleId names, "/", fileName.
-  std::string GenerateModuleFileName(const void* bundleId, const char* fileName);
+  CTString GetModuleFullPathName(const void* bundleId);  // a null identifier is empty here
+  CTString GetCurrentProcessFullPathName();
 
-  // Fixes the folder of this library. The loader may know it by a relative path, so it is taken while that path still
+  CTString GetModuleFullName(const void* bundleId);
+  // Kept: the base name keeps its folders: the full path less its extension. Pinned by TModulePath_test "The base
+  // name".
+  CTString GetModuleBaseName(const void* bundleId);
+  CTString GetModulePathName(const void* bundleId);  // the folder
+  CTString GetProcessFullName();
+  CTString GetProcessBaseName();
+  CTString GetProcessPathName();
+
+  // Folder of the object that bundleId names, null being the program, then "/" and fileName.
+  CTString GenerateModuleFileName(const void* bundleId, const char* fileName);
+
+  // From the last dot of the last name on; without one nothing changes.
+  void RemoveFileExtensionName(CTString& path);
+  // From the last separator on; without one nothing changes.
+  void RemoveLastPathComponent(CTString& path);
+
+  // Fixes where this library lies. The loader may know it by a relative path, so it is taken while that path still
   // leads there: when the first instance is made.
-  static void RememberOwnFolder();
+  static void RememberOwnFile();
 };
 
 }  // namespace qvtcl
