@@ -57,6 +57,9 @@ bool ChangeReso::SetImg24Bit(const CHRESO_WRITE& write, Destination& to, std::pt
     const auto color = static_cast<std::size_t>(write.lineKind - 2);
     for (std::size_t i = 0; i < write.lineBytes; ++i) to.put(place(i, color), in(write, i));
     planeCount_ += 1;
+  } else if (writeKind != 7 && (write.lineKind == 5) == (writeKind == 5)) {  // as they are
+    for (std::size_t i = 0; i < write.lineBytes; ++i) to.put(dest + static_cast<std::ptrdiff_t>(i), in(write, i));
+    planeCount_ += 3;
   } else {
     for (std::size_t i = 0; i < write.lineBytes / 3; ++i) {
       for (std::size_t c = 0; c < 3; ++c) {
