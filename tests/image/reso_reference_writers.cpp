@@ -62,9 +62,7 @@ bool ChangeReso::SetImg24Bit(const CHRESO_WRITE& write, Destination& to, std::pt
     planeCount_ += 3;
   } else {
     for (std::size_t i = 0; i < write.lineBytes / 3; ++i) {
-      for (std::size_t c = 0; c < 3; ++c) {
-        to.put(place(i, c), in(write, 3 * i + (write.lineKind == 5 ? c : 2 - c)));
-      }
+      for (std::size_t k = 0; k < 3; ++k) to.put(place(i, write.lineKind == 5 ? k : 2 - k), in(write, 3 * i + k));
     }
     planeCount_ += 3;
   }
