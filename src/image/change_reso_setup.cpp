@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr unsigned long kMostLinePixels = 0x0FFFFFFF;  // so that no product of a line with a ratio can wrap
+constexpr unsigned long kMostLinePixels = 0x00FFFFFF;  // columns are whole numbers in single precision
 constexpr int kMostRingRate = 0xFFFF;                  // so that the float walk over the phases always moves on
 
 std::int32_t thousandths(float weight) { return static_cast<std::int32_t>(weight * 1000.0F); }
