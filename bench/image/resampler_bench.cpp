@@ -2,7 +2,6 @@
 // second; x_plain is how often the plain form would fit into the same time, both on this processor in this run.
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <memory>
 #include <string>
 
@@ -41,9 +40,7 @@ const Plain& plainOf(const Conversion& job) {
   plain->lines = strip(job);
   reso_reference::ChangeReso resampler;
   for (int round = 0; round < 3; ++round) {
-    const auto start = std::chrono::steady_clock::now();
-    convert(resampler, job, plain->lines, plain->output);
-    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    const double seconds = secondsOf([&] { convert(resampler, job, plain->lines, plain->output); });
     if (round == 0 || seconds < plain->seconds) plain->seconds = seconds;
   }
   return *plain;
@@ -58,9 +55,7 @@ void resample(benchmark::State& state, const Conversion& job, const ResoKernels&
     return state.SkipWithError("wrong bytes");
   double seconds = 0;
   for (auto _ : state) {
-    const auto start = std::chrono::steady_clock::now();
-    convert(resampler, job, plain.lines, output);
-    const double took = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    const double took = secondsOf([&] { convert(resampler, job, plain.lines, output); });
     if (seconds == 0 || took < seconds) seconds = took;
   }
   // The best of several runs on both sides: other programs may share the processor.

@@ -2,6 +2,8 @@
 // a run over it.
 #pragma once
 
+#include <time.h>
+
 #include <cstdint>
 #include <vector>
 
@@ -63,7 +65,7 @@ inline CHRESO_OPEN openRecord(const Conversion& job) {
 // The page that comes out, all its lines in one run. out keeps its memory from call to call.
 struct Output {
   Bytes bytes;
-  std::size_t lines = 0, pixels = 0;
+  std::size_t lines = 0, strideBytes = 0, pixels = 0;
 };
 template <class Resampler>
 bool convert(Resampler& resampler, const Conversion& job, const std::vector<Bytes>& lines, Output& out) {
@@ -75,6 +77,7 @@ bool convert(Resampler& resampler, const Conversion& job, const std::vector<Byte
   write.lineKind = 6;
   std::size_t at = 0;
   out.lines = 0;
+  out.strideBytes = open.outStrideBytes;
   for (std::size_t y = 0; y <= lines.size(); ++y) {
     const bool flush = y == lines.size();
     if (!flush) {
@@ -90,6 +93,18 @@ bool convert(Resampler& resampler, const Conversion& job, const std::vector<Byte
   }
   out.pixels = out.lines * open.outPixels;
   return true;
+}
+
+// Processor time of this thread: other programs may share the processor.
+double secondsOf(auto run) {
+  const auto now = [] {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
+  };
+  const double start = now();
+  run();
+  return now() - start;
 }
 
 }  // namespace bench_reso

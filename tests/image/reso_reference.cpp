@@ -140,6 +140,7 @@ void ChangeReso::ChangeResoSetParam() {
 
 bool ChangeReso::SetFunctionPointer() {
   writer2Bit = writer8Bit = writerNtoM = 0;
+  if (depth() != 0x100 && depth() != 0x200 && depth() != 0x400) return false;  // has no line geometry
   const int order = open.colorOrder;
   if (open.inResoX == open.outResoX && open.inResoY == open.outResoY) {
     writeKind = order == 1 ? 5 : order == 3 ? 6 : 7;
@@ -176,14 +177,11 @@ bool ChangeReso::SetFunctionPointer() {
     kind = larger ? 3 : 4;
     return true;
   }
-  if (depth() == 0x400) {
-    if (tooFlat) return false;
-    writeKind = 4;
-    writerNtoM = (larger ? 4 : 7) + (order == 1 ? 0 : order == 3 ? 1 : 2);
-    kind = larger ? 3 : 4;
-    return true;
-  }
-  return false;
+  if (tooFlat) return false;
+  writeKind = 4;
+  writerNtoM = (larger ? 4 : 7) + (order == 1 ? 0 : order == 3 ? 1 : 2);
+  kind = larger ? 3 : 4;
+  return true;
 }
 
 bool ChangeReso::fillRows(CubicRow* table, int m, float step) {
