@@ -73,12 +73,12 @@ int CQvChangeReso::ChangeResoWrite(CHRESO_WRITE* write, int* outLines) {
 
 int CQvChangeReso::ChangeResoWriteEnd(CHRESO_WRITE* write, int* outLines) {
   *outLines = 0;
-  int bytes = 0;
+  unsigned long bytes = 0;
   if (write->writeBuffer != nullptr && m_ring.isLocked() && m_ring.inLineCount >= 3) {
-    for (int i = 0; i < 2; ++i) bytes += runWriter(*write, outLines);
+    for (int i = 0; i < 2; ++i) bytes += static_cast<unsigned long>(runWriter(*write, outLines));
   }
   m_ring.unlock();
-  return bytes;
+  return asInt(bytes);
 }
 
 int CQvChangeReso::ChangeResoClose() {
