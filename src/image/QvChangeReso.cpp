@@ -185,10 +185,9 @@ bool CQvChangeReso::saveLine(const CHRESO_WRITE& write) {
   } else {
     changed = m_ring.SetSaveImg8Bit(write.lineData, write.lineBytes);
   }
-  if (m_setup.path == ResoPath::kEnlarge) {
-    for (unsigned slot = 0; slot < ResoRing::kSlots; ++slot) {
-      if ((changed >> slot & 1U) != 0) m_cubic.refresh(m_ring, slot);
-    }
+  for (unsigned slot = 0; slot < ResoRing::kSlots; ++slot) {
+    if ((changed >> slot & 1U) == 0) continue;
+    m_setup.path == ResoPath::kEnlarge ? m_cubic.refresh(m_ring, slot) : m_area.refresh(m_ring, slot);
   }
   return true;
 }
