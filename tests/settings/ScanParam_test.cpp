@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <initializer_list>
 #include <string>
 
 namespace orvalle_scan_api {
@@ -135,9 +136,9 @@ TEST(ScanParam, TheResolutionIsTheUsersAndNeverAutomatic) {
 TEST(ScanParam, TheAreaTypeOfAutomaticSizeFollowsWhatTheDeviceDetects) {
   for (const int paper : {0, 1, 23, 24, 26}) {
     for (const CAP cap : {0, 1, 2}) {
-      for (const bool detectSystem : {false, true}) {
+      for (const FLAG detectSystem : std::initializer_list<FLAG>{0, 1, 2}) {
         for (const CAP deskew : {0, 1, 2}) {
-          for (const bool overScan : {false, true}) {
+          for (const FLAG overScan : std::initializer_list<FLAG>{0, 1, 2}) {
             Settings settings{};
             settings.paperType = static_cast<PAPERTYPE>(paper);
             Capability capability{};
@@ -146,11 +147,11 @@ TEST(ScanParam, TheAreaTypeOfAutomaticSizeFollowsWhatTheDeviceDetects) {
             capability.advancedFunc.autoSize.deviceDetectSize.detectOverScan = overScan;
             capability.advancedFunc.deskew.cap = deskew;
             int expected = 0;
-            if (paper == 0 && cap == 2 && !detectSystem) expected = 3;
-            if (paper == 0 && cap == 2 && detectSystem && deskew == 2 && overScan) expected = 4;
+            if (paper == 0 && cap == 2 && detectSystem == 0) expected = 3;
+            if (paper == 0 && cap == 2 && detectSystem != 0 && deskew == 2 && overScan != 0) expected = 4;
             for (const auto& area : {kParam.ConvertScanPramToCmdParam(settings, capability).scanArea,
                                      kParam.ConvertScanCmd_ScanArea(settings, capability)}) {
-              EXPECT_EQ(area.areaType, expected) << paper << cap << detectSystem << deskew << overScan;
+              EXPECT_EQ(area.areaType, expected) << paper << cap << +detectSystem << deskew << +overScan;
               EXPECT_EQ(area.left | area.top | area.width | area.height, 0u);
             }
           }
@@ -162,7 +163,7 @@ TEST(ScanParam, TheAreaTypeOfAutomaticSizeFollowsWhatTheDeviceDetects) {
 
 TEST(ScanParam, OnlyPaperWithoutALengthSetsTheLongPaperMode) {
   for (int paper = 0; paper <= 27; ++paper) {
-    for (const int customY : {0, 5000}) {
+    for (const int customY : {0, 5000, -5000}) {
       Settings settings{};
       settings.paperType = static_cast<PAPERTYPE>(paper);
       settings.customPaperSize.y = customY;
@@ -452,7 +453,7 @@ TEST(ScanParam, TheGroundColourGoesByTheSupportOfTheColourType) {
   } rows[] = {{1, true, 1}, {2, true, 2}, {3, true, 3}, {4, false, 0}, {5, true, 4}, {0, true, 4}, {6, true, 4}};
   for (const auto& row : rows) {
     Settings settings = withColor(row.color);
-    settings.removeBackground = {1, 200};
+    settings.removeBackground = {2, 200};
     const auto got = kParam.ConvertScanPramToCmdParam(settings, capability).groundColorRemoval;
     expectGround(got, row.isOn, row.isOn, row.level, std::to_string(row.color));
     expectGround(kParam.ConvertScanCmd_GroundColorRemoval(settings, capability), row.isOn, row.isOn, row.level,
