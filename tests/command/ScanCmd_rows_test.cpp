@@ -312,3 +312,17 @@ TEST(ScanCmd_query, AFailedQueryKeepsTheGenerationAndTheOpenDevice) {
     EXPECT_EQ(device.trouble(), "");
   }
 }
+
+TEST(ScanCmd_query, TheRecordIsCopiedOutAlsoWithoutAnythingToAsk) {
+  CQueryCmd query(nullptr);
+  for (const auto run : {&CQueryCmd::ExeQcmd, &CQueryCmd::ExeQDIcmd}) {
+    unsigned char rubbish = 0;
+    _SCANCMD_DEVICECAP_INFO info{SCANCMD_GENERATION_2ND, 9, 9, &rubbish};
+    EXPECT_EQ((query.*run)(&info), 0x40210011u);
+    EXPECT_EQ(info.generation, 0);
+    EXPECT_EQ(info.version, 0);
+    EXPECT_EQ(info.size, 0);
+    EXPECT_EQ(info.data, nullptr);
+    EXPECT_EQ((query.*run)(nullptr), 0x40210011u);
+  }
+}
