@@ -195,6 +195,20 @@ TEST(ParseExeCmdRes_v1_text, EverySizeOfAddedInformationAsItsBytesSay) {
   }
 }
 
+// As an unsigned number such a size would be a good one with this many bytes.
+TEST(ParseExeCmdRes_v1_text, ASizeBelowZeroIsIncompleteForEver) {
+  for (const int header : {0x00, 0x41, 0x82}) {
+    for (const int n : {0x8000, 0x8001, 0xFFF9, 0xFFFF}) {
+      Bytes bytes(70000, 0x01);
+      bytes[0] = static_cast<unsigned char>(header);
+      bytes[1] = static_cast<unsigned char>(n);
+      bytes[2] = static_cast<unsigned char>(n >> 8);
+      EXPECT_TRUE(Parse(bytes).told().incomplete) << header << " " << n;
+      EXPECT_EQ(Parse(bytes).told(), model(bytes)) << header << " " << n;
+    }
+  }
+}
+
 TEST(ParseExeCmdRes_v1_text, AnyBytesAreReadTheSameWayTwice) {
   std::mt19937 random(27);
   for (int round = 0; round < 60000; ++round) {

@@ -271,6 +271,19 @@ TEST(QCapabilityRows, EveryWordAtItsEdges) {
   }
 }
 
+TEST(QCapabilityRows, EveryPairOfSmallestLengthsAroundACard) {
+  std::vector<unsigned> lengths = {0, 1, 65535};
+  for (const unsigned bound : {600u, 900u, 3000u, 6000u, 9000u}) {
+    for (const unsigned length : {bound - 1, bound, bound + 1}) lengths.push_back(length);
+  }
+  for (const unsigned x : lengths) {
+    for (const unsigned y : lengths) {
+      const Bytes block = put16(put16(kDefaultBlock, 39, x), 41, y);
+      ASSERT_TRUE(same(block, block)) << x << " by " << y;
+    }
+  }
+}
+
 TEST(QCapabilityRows, AnyBlockOfAnyLength) {
   std::mt19937 random(34);
   for (int round = 0; round < 3000; ++round) {
