@@ -121,12 +121,12 @@ void ResoArea::writeLine(const ResoRing& ring, const ResoKernels& kernels, float
       }
     }
     for (unsigned plane = 0; plane < m_planes; ++plane) kernels.means(m_sums[plane], m_total, count, m_means[plane]);
-    place(first, count, dest);
+    place(kernels, first, count, dest);
   }
   if (m_setup->is1Bit()) packResoBits(m_values.data(), m_pixels, dest);
 }
 
-void ResoArea::place(std::size_t first, std::size_t count, std::uint8_t* dest) {
+void ResoArea::place(const ResoKernels& kernels, std::size_t first, std::size_t count, std::uint8_t* dest) {
   const bool anyEmpty = std::find(m_total, m_total + count, 0.0F) != m_total + count;
   const auto isEmpty = [&](std::size_t i) { return anyEmpty && m_total[i] == 0.0F; };
   const int order = m_setup->open.colorOrder;
@@ -138,12 +138,7 @@ void ResoArea::place(std::size_t first, std::size_t count, std::uint8_t* dest) {
   } else if (m_planes == 3 && !anyEmpty && (order == 1 || order == 3)) {
     const std::uint8_t* const red = m_means[order == 1 ? 0 : 2];
     const std::uint8_t* const blue = m_means[order == 1 ? 2 : 0];
-    std::uint8_t* const triples = dest + 3 * first;
-    for (std::size_t i = 0; i < count; ++i) {
-      triples[3 * i] = red[i];
-      triples[3 * i + 1] = m_means[1][i];
-      triples[3 * i + 2] = blue[i];
-    }
+    kernels.joinTriples(red, m_means[1], blue, count, dest + 3 * first);
   } else {
     const bool interleaved = m_planes == 3 && (order == 1 || order == 3);
     for (std::size_t plane = 0; plane < m_planes; ++plane) {

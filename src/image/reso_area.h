@@ -34,7 +34,7 @@ class ResoArea {
     return m_cellBytes.data() + ((slot * m_planes + plane) * m_cells + cell) * m_pixels;
   }
   void takeLastBoxes(const ResoRing& ring, unsigned slot);
-  void place(std::size_t first, std::size_t count, std::uint8_t* dest);
+  void place(const ResoKernels& kernels, std::size_t first, std::size_t count, std::uint8_t* dest);
 
   const ChangeResoSetup* m_setup = nullptr;
   std::size_t m_pixels = 0;       // of an output line

@@ -91,6 +91,24 @@ QS_INLINE void addCells(const ResoKernels::Cells& cells, std::size_t count, floa
   }
 }
 
+QS_INLINE void splitTriples(const std::uint8_t* triples, std::size_t count, std::uint8_t* __restrict first,
+                            std::uint8_t* __restrict second, std::uint8_t* __restrict third) {
+  for (std::size_t i = 0; i < count; ++i) {
+    first[i] = triples[3 * i];
+    second[i] = triples[3 * i + 1];
+    third[i] = triples[3 * i + 2];
+  }
+}
+
+QS_INLINE void joinTriples(const std::uint8_t* first, const std::uint8_t* second, const std::uint8_t* third,
+                           std::size_t count, std::uint8_t* __restrict triples) {
+  for (std::size_t i = 0; i < count; ++i) {
+    triples[3 * i] = first[i];
+    triples[3 * i + 1] = second[i];
+    triples[3 * i + 2] = third[i];
+  }
+}
+
 QS_INLINE void means(const float* sums, const float* total, std::size_t count, std::uint8_t* __restrict out) {
   for (std::size_t i = 0; i < count; ++i) {
     const float mean = sums[i] / (total[i] != 0.0F ? total[i] : 1.0F);
@@ -101,27 +119,41 @@ QS_INLINE void means(const float* sums, const float* total, std::size_t count, s
 }
 
 // One set: the loops above, compiled for what `target` names.
-#define QS_KERNEL_SET(set, target)                                                                                   \
-  target void mixRows_##set(const std::uint8_t* const rows[4], const std::int32_t weights[4], std::size_t count,     \
-                            std::int32_t* mixed) {                                                                   \
-    mixRows(rows, weights, count, mixed);                                                                            \
-  }                                                                                                                  \
-  target void mixColumns_##set(const std::int32_t* const taps[4], const std::int32_t weights[4], std::size_t count,  \
-                               std::uint8_t* out) {                                                                  \
-    mixColumns(taps, weights, count, out);                                                                           \
-  }                                                                                                                  \
-  target void addCells1_##set(const ResoKernels::Cells& cells, std::size_t count, float* total,                      \
-                              float(*sums)[ResoKernels::kSumsStep]) {                                                \
-    addCells<1>(cells, count, total, sums);                                                                          \
-  }                                                                                                                  \
-  target void addCells3_##set(const ResoKernels::Cells& cells, std::size_t count, float* total,                      \
-                              float(*sums)[ResoKernels::kSumsStep]) {                                                \
-    addCells<3>(cells, count, total, sums);                                                                          \
-  }                                                                                                                  \
-  target void means_##set(const float* sums, const float* total, std::size_t count, std::uint8_t* out) {             \
-    means(sums, total, count, out);                                                                                  \
-  }                                                                                                                  \
-  constexpr ResoKernels kSet_##set = {#set,       mixRows_##set, mixColumns_##set, addCells1_##set, addCells3_##set, \
+#define QS_KERNEL_SET(set, target)                                                                                  \
+  target void mixRows_##set(const std::uint8_t* const rows[4], const std::int32_t weights[4], std::size_t count,    \
+                            std::int32_t* mixed) {                                                                  \
+    mixRows(rows, weights, count, mixed);                                                                           \
+  }                                                                                                                 \
+  target void mixColumns_##set(const std::int32_t* const taps[4], const std::int32_t weights[4], std::size_t count, \
+                               std::uint8_t* out) {                                                                 \
+    mixColumns(taps, weights, count, out);                                                                          \
+  }                                                                                                                 \
+  target void addCells1_##set(const ResoKernels::Cells& cells, std::size_t count, float* total,                     \
+                              float(*sums)[ResoKernels::kSumsStep]) {                                               \
+    addCells<1>(cells, count, total, sums);                                                                         \
+  }                                                                                                                 \
+  target void addCells3_##set(const ResoKernels::Cells& cells, std::size_t count, float* total,                     \
+                              float(*sums)[ResoKernels::kSumsStep]) {                                               \
+    addCells<3>(cells, count, total, sums);                                                                         \
+  }                                                                                                                 \
+  target void splitTriples_##set(const std::uint8_t* triples, std::size_t count, std::uint8_t* first,               \
+                                 std::uint8_t* second, std::uint8_t* third) {                                       \
+    splitTriples(triples, count, first, second, third);                                                             \
+  }                                                                                                                 \
+  target void joinTriples_##set(const std::uint8_t* first, const std::uint8_t* second, const std::uint8_t* third,   \
+                                std::size_t count, std::uint8_t* triples) {                                         \
+    joinTriples(first, second, third, count, triples);                                                              \
+  }                                                                                                                 \
+  target void means_##set(const float* sums, const float* total, std::size_t count, std::uint8_t* out) {            \
+    means(sums, total, count, out);                                                                                 \
+  }                                                                                                                 \
+  constexpr ResoKernels kSet_##set = {#set,                                                                         \
+                                      mixRows_##set,                                                                \
+                                      mixColumns_##set,                                                             \
+                                      addCells1_##set,                                                              \
+                                      addCells3_##set,                                                              \
+                                      splitTriples_##set,                                                           \
+                                      joinTriples_##set,                                                            \
                                       means_##set};
 
 QS_KERNEL_SET(baseline, )

@@ -33,6 +33,11 @@ struct ResoKernels {
   // total and the planes' sums grow by the cells' shares, cell after cell; for one plane and for three.
   void (*addCells1)(const Cells& cells, std::size_t count, float* total, float (*sums)[kSumsStep]);
   void (*addCells3)(const Cells& cells, std::size_t count, float* total, float (*sums)[kSumsStep]);
+  // Triples to three planes and back.
+  void (*splitTriples)(const std::uint8_t* triples, std::size_t count, std::uint8_t* first, std::uint8_t* second,
+                       std::uint8_t* third);
+  void (*joinTriples)(const std::uint8_t* first, const std::uint8_t* second, const std::uint8_t* third,
+                      std::size_t count, std::uint8_t* triples);
   // sum / total, halves up. Anything where the total is 0.
   void (*means)(const float* sums, const float* total, std::size_t count, std::uint8_t* out);
 };
