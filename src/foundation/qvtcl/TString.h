@@ -7,8 +7,8 @@
 // invalid: the call does nothing, or returns nposi. nolen as a length means all the rest. A null text counts as empty.
 //
 // Kept: the copy step refuses a text that does not fit the largest block (65520 bytes and more): length is then as
-// asked, while no byte arrives, and reading finds zero bytes or nothing. Callers stay below. Pinned by TString_test
-// "cap".
+// asked, while no byte arrives, and reading finds zero bytes or nothing. Callers stay below. Pinned by
+// TString_storage_test "TheCapKeepsTheLengthAndRefusesTheBytes".
 //
 // Nothing throws: where memory is short the block stays unset and the text reads as empty.
 // Threads: an object belongs to one thread.
@@ -54,7 +54,7 @@ class CTString {
   CTString& operator+=(unsigned long long value);
 
   // Kept: an empty side is not compared as text: empty against full gives minus the other's length, full against empty
-  // its own length. Everything else is strcmp's answer. Pinned by TString_test "An empty side".
+  // its own length. Everything else is strcmp's answer. Pinned by TString_test "AnEmptySideIsComparedByLength".
   int Compare(const CTString& other) const;
   int Compare(const char* other) const;
   int Compare(char other) const;

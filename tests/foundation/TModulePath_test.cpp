@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "foundation/qvtcl/TModulePath.h"
+
+#include <gtest/gtest.h>
 
 using qvtcl::CTModulePath;
 using qvtcl::CTString;
