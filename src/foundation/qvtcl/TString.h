@@ -152,13 +152,15 @@ class CTString {
   // The number at the start, behind whitespace; overflow wraps, reading ends silently at the first byte that does not
   // fit. "0x1f" is hexadecimal, "017" octal, everything else decimal.
   // Kept: a sign or a dollar sign keeps a prefix from being seen: "-0x10" and "$1F" read 0, although IsHexadecimal
-  // takes the dollar sign. Pinned by TString_number_test "A sign hides the prefix".
+  // takes the dollar sign. Pinned by TString_number_test
+  // "ASignHidesThePrefixAndADollarSignIsNone".
   int ToInteger() const;
   unsigned int ToUInteger() const;
   long long ToLonglong() const;
   unsigned long long ToULonglong() const;
   // Kept: one stray byte behind the digits passes ("12a"), since the byte that ends the digits is never looked at; a
-  // leading 0 with anything behind it fails. Pinned by TString_number_test "IsDecimal".
+  // leading 0 with anything behind it fails. Pinned by TString_number_test
+  // "IsDecimalLetsOneStrayByteAtTheEndPass".
   bool IsDecimal() const;
   bool IsHexadecimal() const;  // "$1F" or "0x1F"
 
