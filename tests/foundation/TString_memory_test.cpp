@@ -14,7 +14,10 @@ using qvtcl::CTString;
 
 namespace {
 
-long callsBeforeFailure = -1;  // negative: every call succeeds
+constexpr long kForEver = 1000000;
+
+long firstFailing = -1;  // negative: every call succeeds
+long failures = 0;       // how many calls fail from there on
 long calls = 0;
 
 }  // namespace
@@ -24,19 +27,21 @@ void* __real_calloc(std::size_t count, std::size_t size);
 void* __wrap_calloc(std::size_t count, std::size_t size);
 
 void* __wrap_calloc(std::size_t count, std::size_t size) {
-  if (callsBeforeFailure >= 0 && calls++ >= callsBeforeFailure) return nullptr;
+  const long call = firstFailing < 0 ? -1 : calls++;
+  if (firstFailing >= 0 && call >= firstFailing && call < firstFailing + failures) return nullptr;
   return __real_calloc(count, size);
 }
 }
 
 namespace {
 
-// From the call of that number on, calloc fails while code runs.
-void failingFrom(long call, const std::function<void()>& code) {
+// While code runs, so many calls of calloc fail from the call of that number on.
+void failingFrom(long call, const std::function<void()>& code, long count = kForEver) {
   calls = 0;
-  callsBeforeFailure = call;
+  failures = count;
+  firstFailing = call;
   code();
-  callsBeforeFailure = -1;
+  firstFailing = -1;
 }
 
 const char* const kTwenty = "a text of 20 bytes..";
@@ -48,7 +53,8 @@ void expectSound(const CTString& text) {
   const unsigned long readable = std::string(text.C_str()).size();
   EXPECT_LE(readable, std::max(text.Length(), 7UL));
   EXPECT_EQ(parts.capacity == 0, parts.heap == nullptr);
-  for (unsigned long i = readable; i < text.Length() + 2; ++i) EXPECT_EQ(text.GetAt(i), 0);
+  for (unsigned long i = 0; i < text.Length(); ++i) text.GetAt(i);
+  EXPECT_EQ(text.GetAt(text.Length()), 0);
   text.Find("zz");
   text.RFind("zz");
   text.FindNoCase("zz");
@@ -114,6 +120,8 @@ TEST(TStringMemory, EveryOperationStaysSoundWhereverMemoryEnds) {
       {"copy assignment", [](CTString& text) { text = CTString("a text of more than 32 bytes, which needs a block"); }},
       {"append", [](CTString& text) { text += "another text of more than sixteen bytes"; }},
       {"append itself", [](CTString& text) { text += text; }},
+      {"append its own bytes", [](CTString& text) { text += text.C_str(); }},
+      {"replace with its own bytes", [](CTString& text) { text.Replace("x", text.C_str()); }},
       {"append a number", [](CTString& text) { text += 18446744073709551615ULL; }},
       {"sum", [](CTString& text) { text = "<" + text + ">"; }},
       {"copy", [](CTString& text) { expectSound(CTString(text)); }},
@@ -135,15 +143,18 @@ TEST(TStringMemory, EveryOperationStaysSoundWhereverMemoryEnds) {
   for (const auto& [name, operation] : operations) {
     for (const char* before : {"", "abcdefg", kTwenty}) {
       for (long call = 0; call < 6; ++call) {
-        SCOPED_TRACE(std::string(name) + " of '" + before + "' from call " + std::to_string(call));
-        CTString text(before);
-        failingFrom(call, [&] {
-          operation(text);
+        for (const long count : {1L, kForEver}) {
+          SCOPED_TRACE(std::string(name) + " of '" + before + "' from call " + std::to_string(call));
+          CTString text(before);
+          const auto twice = [&text, &act = operation] {
+            act(text);
+            expectSound(text);
+            act(text);  // on what the first one left
+            expectSound(text);
+          };
+          failingFrom(call, twice, count);
           expectSound(text);
-          operation(text);  // on what the first one left
-          expectSound(text);
-        });
-        expectSound(text);
+        }
       }
     }
   }

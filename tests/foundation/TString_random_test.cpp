@@ -230,3 +230,55 @@ TEST(TStringRandom, EverySequenceGivesWhatAStandardStringGives) {
     }
   }
 }
+
+// Beyond the cap nothing is promised but zero bytes and sound memory, which the sanitizers watch.
+TEST(TStringRandom, SequencesAroundTheCapStaySound) {
+  std::mt19937 random(65520);
+  const auto below = [&random](unsigned long limit) { return static_cast<unsigned long>(random()) % limit; };
+  for (int sequence = 0; sequence < 300; ++sequence) {
+    CTString text(65000 + below(600), 'a');
+    for (int step = 0; step < 10; ++step) {
+      const unsigned long position = below(5) == 0 ? CTString::nposi - below(2) : 65000 + below(1200);
+      const CTString other(below(700), 'b');
+      switch (below(9)) {
+        case 0:
+          text += other;
+          break;
+        case 1:
+          text.Insert(position, other);
+          break;
+        case 2:
+          text.Insert(below(10), text.C_str() + below(2));
+          break;
+        case 3:
+          text.Erase(position, below(300));
+          break;
+        case 4:
+          text.Erase(below(300), below(900));
+          break;
+        case 5:
+          text.Replace("aa", other.C_str(), position);
+          break;
+        case 6:
+          text.RReplace(CTString("b"), other, position);
+          break;
+        case 7:
+          text = text.Mid(below(3));
+          break;
+        default:
+          text.Trim("b").ToUpper().ToLower();
+          break;
+      }
+      ASSERT_LT(std::string(text.C_str()).size(), 65520u);
+      for (unsigned long at = 65515; at < 65525; ++at) {
+        if (at >= 65519 || at >= text.Length()) {
+          ASSERT_EQ(text.GetAt(at), 0) << at << " of " << text.Length();
+        }
+      }
+      ASSERT_EQ(partsOf(text).isSmall, text.Length() < 8);
+      text.RFindNoCase("ab");
+      text.Compare(other);
+      text.Right(below(1000)).LeftFrom(position);
+    }
+  }
+}

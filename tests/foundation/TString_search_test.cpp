@@ -280,6 +280,7 @@ TEST(TStringSearch, FieldsAreTakenOneByOne) {
       {"quotes hide several", "\"a,b,c\",d", ",", false, {"\"a,b,c\"", "d"}},
       {"quotes within a field", "x\"a,b\"y,d", ",", false, {"x\"a,b\"y", "d"}},
       {"quotes behind the delimiter", "a,\"b,c\"", ",", false, {"a", "\"b,c\""}},
+      {"a second pair hides nothing", "\"a,b\"\"c,d\",e", ",", false, {"\"a,b\"\"c", "d\"", "e"}},
       {"one quote hides nothing", "\"a,b", ",", false, {"\"a", "b"}},
       {"quotes keep their white space", " \" a , b \" ,c", ",", true, {"\" a , b \"", "c"}},
       {"the last field in quotes", "a,\"b,c", ",", false, {"a", "\"b", "c"}},

@@ -177,6 +177,24 @@ TEST(TStringStorage, TheCapKeepsTheLengthAndRefusesTheBytes) {
   }
 }
 
+TEST(TStringStorage, NoLengthIsTooGreatToAskFor) {
+  for (const unsigned long length : {kEnd, kLast, kLast - 1}) {
+    CTString text(length, 'q');
+    EXPECT_EQ(text.Length(), length);
+    EXPECT_STREQ(text.C_str(), "");
+    EXPECT_EQ(text.GetAt(0), 0);
+    EXPECT_EQ(text.GetAt(kLast), 0);
+    EXPECT_EQ(text.Find('q'), kEnd);
+    EXPECT_STREQ(text.Mid(1).C_str(), "");
+    EXPECT_STREQ(text.Right(3).C_str(), "");
+    text += "abc";
+    text.Insert(kLast, "abc");
+    text.Erase(5);
+    text += text;
+    text.Trim();
+  }
+}
+
 TEST(TStringStorage, AppendingBeyondTheCapKeepsWhatWasThere) {
   CTString text(65000UL, 'a');
   text += std::string(1000, 'b').c_str();
