@@ -8,6 +8,7 @@
 #include "image/BitmapHeader.h"
 #include "parse/ParseScanCmd.h"
 #include "reception/ImageData.h"
+#include "reception/ReadThread_v1.h"
 #include "reception/ReadThread_v2.h"
 #include "settings/ConvertUnit.h"
 #include "settings/PaperSize.h"
@@ -105,6 +106,7 @@ bool CScanProc::CreateScanReadClassInstances(SCANCMD_GENERATION generation) {
   Trace trace(Trace::NoEntryLine{}, "CreateScanReadClassInstances");
   g_ScanDevApiLog.WriteLog(1, ">>>>> %s >>>>> protocol = %d", "CreateScanReadClassInstances", generation);
   DeleteScanReadClassInstances();
+  if (generation == SCANCMD_GENERATION_1ST) m_pReadThread.reset(new (std::nothrow) CReadThread_v1);
   if (generation == SCANCMD_GENERATION_2ND) m_pReadThread.reset(new (std::nothrow) CReadThread_v2);
   return trace.success(m_pReadThread != nullptr);
 }

@@ -1,23 +1,18 @@
 #include "command/CmdString_v2.h"
 
 #include <cstring>
-#include <initializer_list>
-#include <string_view>
 
-#include "foundation/OutputLog.h"
+#include "command/command_lines.h"
 
 namespace orvalle_scan_api {
 namespace {
 
-constexpr char kEscape = '\x1B';
-constexpr char kLineEnd = '\x0A';
-constexpr char kFrameEnd = '\x80';
-
+using namespace command_lines;
 using Param = _SCANCMD_SCANPARAM;
-using MakeLine = std::string (CCmdString_v2::*)(const Param&) const;
+using Line = MakeLine<CCmdString_v2>;
 
 // Row order is wire order.
-constexpr MakeLine kSSPLines[] = {
+constexpr Line kSSPLines[] = {
     &CCmdString_v2::MakeOSinfoString,               // OS
     &CCmdString_v2::MakePaperSourceString,          // PSRC
     &CCmdString_v2::MakeResolutionString,           // RESO
@@ -51,47 +46,20 @@ constexpr MakeLine kSSPLines[] = {
     &CCmdString_v2::MakeUserName,                   // USER
 };
 
-constexpr MakeLine kXSCLines[] = {
+constexpr Line kXSCLines[] = {
     &CCmdString_v2::MakeResolutionString,    // RESO
     &CCmdString_v2::MakeLastScanAreaString,  // AREA
     &CCmdString_v2::MakeSpecialModeString,   // MODE
 };
 
-struct Keyword {
-  std::int32_t value;
-  const char* word;
-};
-
 constexpr Keyword kAreaWords[] = {{1, "FULL"}, {2, "OVER"}, {3, "AUTO"}, {4, "ATDSKW"}};
-
-template <std::size_t N>
-const char* wordOf(const Keyword (&words)[N], std::int32_t value, const char* otherwise) {
-  for (const Keyword& row : words) {
-    if (row.value == value) return row.word;
-  }
-  return otherwise;
-}
-
-std::string line(const char* key, std::string_view value) {
-  return std::string(key).append("=").append(value).append(1, kLineEnd);
-}
-
-template <class Number>
-std::string joined(std::initializer_list<Number> numbers) {
-  std::string text;
-  for (const Number number : numbers) {
-    if (!text.empty()) text += ',';
-    text += std::to_string(number);
-  }
-  return text;
-}
 
 const char* onOff(bool on) { return on ? "ON" : "OFF"; }
 
 // The three-way form of a function that may have a level.
 template <class Setting>
-std::string onOffOrLevel(const Setting& setting) {
-  if (setting.isOn && setting.hasLevel) return std::to_string(setting.level);
+const char* onOffOrLevel(qvtcl::CTString& number, const Setting& setting) {
+  if (setting.isOn && setting.hasLevel) return number.ToString(setting.level);
   return onOff(setting.isOn);
 }
 
@@ -100,42 +68,18 @@ std::string paperSourceLine(SCANCMD_PAPERSOURCE_TYPE source) {
   return line("PSRC", wordOf(kWords, source, "AUTO"));
 }
 
-std::string frame(const char* mnemonic, const std::string& lines) {
-  return std::string(1, kEscape).append(mnemonic).append(1, kLineEnd).append(lines).append(1, kFrameEnd);
-}
-
-template <std::size_t N>
-std::string frame(const char* mnemonic, const CCmdString_v2& maker, const MakeLine (&rows)[N], const Param* param) {
-  if (param == nullptr) return {};
-  std::string lines;
-  for (const MakeLine make : rows) lines += (maker.*make)(*param);
-  return frame(mnemonic, lines);
-}
-
 }  // namespace
 
 std::string CCmdString_v2::MakeCKDcmdString(SCANCMD_PAPERSOURCE_TYPE source) const {
-  std::string command = frame("CKD", paperSourceLine(source));
-  g_ScanDevApiLog.WriteLog(0, "CKD Command:\r\n%s", command.c_str());
-  return command;
+  return frame("CKD", paperSourceLine(source));
 }
 
-std::string CCmdString_v2::MakeSSPcmdString(const Param* param) const {
-  std::string command = frame("SSP", *this, kSSPLines, param);
-  g_ScanDevApiLog.WriteLog(0, "SSP Command:\r\n%s", command.c_str());
-  return command;
-}
+std::string CCmdString_v2::MakeSSPcmdString(const Param* param) const { return frame("SSP", *this, kSSPLines, param); }
 
-std::string CCmdString_v2::MakeXSCcmdString(const Param* param) const {
-  std::string command = frame("XSC", *this, kXSCLines, param);
-  g_ScanDevApiLog.WriteLog(0, "XSC Command:\r\n%s", command.c_str());
-  return command;
-}
+std::string CCmdString_v2::MakeXSCcmdString(const Param* param) const { return frame("XSC", *this, kXSCLines, param); }
 
 std::string CCmdString_v2::MakeABTcmdString(SCANCMD_EJECTION_TYPE ejection) const {
-  std::string command = frame("ABT", MakeEjectionModeString(ejection));
-  g_ScanDevApiLog.WriteLog(0, "ABT Command:\r\n%s", command.c_str());
-  return command;
+  return frame("ABT", MakeEjectionModeString(ejection));
 }
 
 std::string CCmdString_v2::MakeOSinfoString(const Param& param) const {
@@ -148,7 +92,7 @@ std::string CCmdString_v2::MakePaperSourceString(const Param& param) const {
 }
 
 std::string CCmdString_v2::MakeResolutionString(const Param& param) const {
-  return line("RESO", param.resolution.isAuto ? "AUTO" : joined({param.resolution.x, param.resolution.y}));
+  return line("RESO", param.resolution.isAuto ? "AUTO" : joined(number_, {param.resolution.x, param.resolution.y}));
 }
 
 std::string CCmdString_v2::MakeColorTypeString(const Param& param) const {
@@ -163,7 +107,7 @@ std::string CCmdString_v2::MakeScanAreaString(const Param& param) const {
 std::string CCmdString_v2::MakeMarginAreaString(const Param& param) const {
   // The order left, right, top, bottom is the device's; it is not the rectangle's own.
   const tagRECT& margin = param.marginArea;
-  return line("MRGN", joined({margin.left / 10, margin.right / 10, margin.top / 10, margin.bottom / 10}));
+  return line("MRGN", joined(number_, {margin.left / 10, margin.right / 10, margin.top / 10, margin.bottom / 10}));
 }
 
 std::string CCmdString_v2::MakeDuplexScanString(const Param& param) const {
@@ -172,21 +116,21 @@ std::string CCmdString_v2::MakeDuplexScanString(const Param& param) const {
 }
 
 std::string CCmdString_v2::MakeBrightnessString(const Param& param) const {
-  return line("BRIT", std::to_string(param.brightness + 50LL));
+  return line("BRIT", number_.ToString(param.brightness + 50LL));
 }
 
 std::string CCmdString_v2::MakeContrastString(const Param& param) const {
-  return line("CONT", std::to_string(param.contrast + 50LL));
+  return line("CONT", number_.ToString(param.contrast + 50LL));
 }
 
 std::string CCmdString_v2::MakeAutoColorLevelString(const Param& param) const {
   if (!param.autoColorLevelOn) return {};
-  return line("ATCL", joined({param.autoColorLevel.first, param.autoColorLevel.second}));
+  return line("ATCL", joined(number_, {param.autoColorLevel.first, param.autoColorLevel.second}));
 }
 
 std::string CCmdString_v2::MakeMonoThresholdString(const Param& param) const {
   if (param.monoThreshold.useDeviceValue || !param.monoThreshold.isValid) return {};
-  return line("THRS", std::to_string(param.monoThreshold.threshold));
+  return line("THRS", number_.ToString(param.monoThreshold.threshold));
 }
 
 std::string CCmdString_v2::MakeCompressionString(const Param& param) const {
@@ -195,7 +139,7 @@ std::string CCmdString_v2::MakeCompressionString(const Param& param) const {
 }
 
 std::string CCmdString_v2::MakeJpegCompressionRateString(const Param& param) const {
-  return line("RATE", std::to_string(param.jpegCompressionRate));
+  return line("RATE", number_.ToString(param.jpegCompressionRate));
 }
 
 std::string CCmdString_v2::MakeJpegSamplingFactorString(const Param& param) const {
@@ -216,7 +160,7 @@ std::string CCmdString_v2::MakePaperTypeString(const Param& param) const {
 }
 
 std::string CCmdString_v2::MakeScanPageString(const Param& param) const {
-  return line("PAGE", std::to_string(param.scanPage));
+  return line("PAGE", number_.ToString(param.scanPage));
 }
 
 std::string CCmdString_v2::MakeLongPaperModeString(const Param& param) const {
@@ -229,11 +173,11 @@ std::string CCmdString_v2::MakeCarrierSheetModeSetring(const Param& param) const
 }
 
 std::string CCmdString_v2::MakeGroundColorRemovalString(const Param& param) const {
-  return line("RMGC", onOffOrLevel(param.groundColorRemoval));
+  return line("RMGC", onOffOrLevel(number_, param.groundColorRemoval));
 }
 
 std::string CCmdString_v2::MakeDoubleFeedDetectionString(const Param& param) const {
-  return line("DTDF", onOffOrLevel(param.doubleFeedDetection));
+  return line("DTDF", onOffOrLevel(number_, param.doubleFeedDetection));
 }
 
 std::string CCmdString_v2::MakeDoubleFeedMotionString(const Param& param) const {
@@ -254,7 +198,7 @@ std::string CCmdString_v2::MakeLandScapeModeString(const Param& param) const {
 }
 
 std::string CCmdString_v2::MakeBlankPageRemoval(const Param& param) const {
-  return line("RMBP", onOffOrLevel(param.blankPageRemoval));
+  return line("RMBP", onOffOrLevel(number_, param.blankPageRemoval));
 }
 
 std::string CCmdString_v2::MakeMoireRemovalString(const Param& param) const {
@@ -263,7 +207,7 @@ std::string CCmdString_v2::MakeMoireRemovalString(const Param& param) const {
 
 std::string CCmdString_v2::MakeGammaAdjustString(const Param& param) const {
   if (!param.gammaAdjust.isOn) return line("GMMA", "OFF");
-  return line("GMMA", param.gammaAdjust.value == 0 ? "" : std::to_string(param.gammaAdjust.value));
+  return line("GMMA", param.gammaAdjust.value == 0 ? "" : number_.ToString(param.gammaAdjust.value));
 }
 
 std::string CCmdString_v2::MakeToneAdjustString(const Param& param) const {
@@ -281,7 +225,7 @@ std::string CCmdString_v2::MakeUserName(const Param& param) const {
 std::string CCmdString_v2::MakeLastScanAreaString(const Param& param) const {
   const _SCANCMD_SCANAREA& area = param.scanArea;
   if (const char* word = wordOf(kAreaWords, area.areaType, nullptr); word != nullptr) return line("AREA", word);
-  return line("AREA", joined({area.left, area.top, area.left + area.width, area.top + area.height}));
+  return line("AREA", joined(number_, {area.left, area.top, area.left + area.width, area.top + area.height}));
 }
 
 std::string CCmdString_v2::MakeSpecialModeString(const Param& param) const {

@@ -2,12 +2,13 @@
 //
 // Every operation builds one line KEY=VALUE ended by 0x0A, or nothing where the line is not sent. The whole commands
 // are tables of these operations in wire order.
-// Threads: reentrant.
+// Threads: one thread at a time, since all operations share the text of a number.
 #pragma once
 
 #include <string>
 
 #include "command/scancmd_param.h"
+#include "foundation/qvtcl/TString.h"
 
 namespace orvalle_scan_api {
 
@@ -54,6 +55,9 @@ class CCmdString_v2 {
   std::string MakeLastScanAreaString(const _SCANCMD_SCANPARAM& param) const;  // AREA as XSC sends it
   std::string MakeSpecialModeString(const _SCANCMD_SCANPARAM& param) const;
   std::string MakeEjectionModeString(SCANCMD_EJECTION_TYPE ejection) const;
+
+ private:
+  mutable qvtcl::CTString number_;  // the number that is being written
 };
 
 }  // namespace orvalle_scan_api

@@ -1,6 +1,7 @@
 #include "command/QueryCmd.h"
 
 #include "command/ScanCmdCom.h"
+#include "command/command_exchange.h"
 #include "foundation/trace.h"
 
 namespace orvalle_scan_api {
@@ -13,11 +14,6 @@ constexpr char kQDISignature[] = "QDI";
 constexpr long kCapabilityTimeOutMs = 35000;
 constexpr int kLastFirstGenerationVersion = 15;
 
-QSRSLT noAccess() {
-  g_ScanDevApiLog.WriteLog(0, "CCmdDevAccess instance does not exist.");
-  return QSRSLT_CMD_NO_DEVICE_ACCESS;
-}
-
 }  // namespace
 
 CQueryCmd::~CQueryCmd() {
@@ -27,7 +23,7 @@ CQueryCmd::~CQueryCmd() {
 
 QSRSLT CQueryCmd::ExeQcmd(_SCANCMD_DEVICECAP_INFO* info) {
   Trace trace("ExeQcmd");
-  if (access_ == nullptr) return trace.result(noAccess());
+  if (access_ == nullptr) return trace.result(command_exchange::noAccess());
   if (info == nullptr) return trace.result(QSRSLT_CMD_BAD_ARGUMENT);
   FreeQcmdResponseData();
   const QSRSLT result = queryQ();
@@ -57,7 +53,7 @@ QSRSLT CQueryCmd::queryQ() {
 
 QSRSLT CQueryCmd::ExeQDIcmd(_SCANCMD_DEVICECAP_INFO* info) {
   Trace trace("ExeQDIcmd");
-  if (access_ == nullptr) return trace.result(noAccess());
+  if (access_ == nullptr) return trace.result(command_exchange::noAccess());
   if (info == nullptr) return trace.result(QSRSLT_CMD_BAD_ARGUMENT);
   FreeQDIcmdResponseData();
   const QSRSLT result = queryQDI();
@@ -72,10 +68,7 @@ QSRSLT CQueryCmd::queryQDI() {
   answer.signatureSize = 3;
   answer.lengthSize = 4;
   if (const QSRSLT got = access_->RecvCmdResponse(answer, kCapabilityTimeOutMs, false); got != 0) return got;
-  if (answer.result != 0) {
-    g_ScanDevApiLog.WriteLog(0, "Return error result from device. Result Code = 0x%02X", answer.result);
-    return QSRSLT_DEVICE_STATUS + answer.result;
-  }
+  if (answer.result != 0) return command_exchange::errorResult(answer.result);
   if (const QSRSLT valid = CScanCmdCom().ValidateCmdResSignature(answer.signature, kQDISignature, 3); valid != 0) {
     return valid;
   }

@@ -15,6 +15,7 @@ constexpr std::int16_t kLastVersionClosedAfterQuery = 0x102;
 CScanCmd::~CScanCmd() {
   query_.FreeQcmdResponseData();
   query_.FreeQDIcmdResponseData();
+  v1_.FreeResCmdData();
   v2_.FreeResCmdData();
   if (device_ != nullptr) access_.CloseDevice();
 }
@@ -83,57 +84,58 @@ bool CScanCmd::OpenDeviceIfNecessary() {
 }
 
 // The frame that the operations share: open, then the command of the known generation.
-template <class Command>
-QSRSLT CScanCmd::run(const char* operation, const char* startMessage, Command command) {
+QSRSLT CScanCmd::run(const char* operation, const Command& first, const Command& second) {
   Trace trace(operation);
   if (!OpenDeviceIfNecessary()) return trace.result(QSRSLT_CMD_NOT_OPENED);
-  switch (generation_) {
-    case SCANCMD_GENERATION_2ND:
-      if (startMessage == nullptr) return trace.result(QSRSLT_CMD_NOT_OFFERED);
-      g_ScanDevApiLog.WriteLog(1, "%s", startMessage);
-      return trace.result(command());
-    case SCANCMD_GENERATION_1ST:
-      return trace.result(QSRSLT_CMD_NOT_OFFERED);
-    default:
-      return trace.result(QSRSLT_CMD_NO_GENERATION);
+  if (generation_ != SCANCMD_GENERATION_1ST && generation_ != SCANCMD_GENERATION_2ND) {
+    return trace.result(QSRSLT_CMD_NO_GENERATION);
   }
+  const Command& command = generation_ == SCANCMD_GENERATION_1ST ? first : second;
+  if (command.startMessage == nullptr) return trace.result(QSRSLT_CMD_NOT_OFFERED);
+  g_ScanDevApiLog.WriteLog(1, "%s", command.startMessage);
+  return trace.result(command.execute());
 }
 
-template <class Command>
-QSRSLT CScanCmd::query(const char* operation, const char* startMessage, _SCANCMD_RESPONSE_INFO* response,
-                       Command command) {
-  if (response != nullptr) return run(operation, startMessage, command);
+QSRSLT CScanCmd::query(const char* operation, const _SCANCMD_RESPONSE_INFO* response, const Command& first,
+                       const Command& second) {
+  if (response != nullptr) return run(operation, first, second);
   Trace trace(operation);
   return trace.result(QSRSLT_CMD_BAD_ARGUMENT);
 }
 
 QSRSLT CScanCmd::CheckDocument(SCANCMD_PAPERSOURCE_TYPE source) {
-  return run("CheckDocument", "CKD Command START", [&] { return v2_.ExeCKDcmd(source); });
+  return run("CheckDocument", {"D Command START", [&] { return v1_.ExeDcmd(source); }},
+             {"CKD Command START", [&] { return v2_.ExeCKDcmd(source); }});
 }
 
-QSRSLT CScanCmd::SelectPaperSource(SCANCMD_PAPERSOURCE_TYPE) {
-  return run("SelectPaperSource", nullptr, [] { return QSRSLT_CMD_NOT_OFFERED; });
+QSRSLT CScanCmd::SelectPaperSource(SCANCMD_PAPERSOURCE_TYPE source) {
+  return run("SelectPaperSource", {"S Command START", [&] { return v1_.ExeScmd(source); }}, {});
 }
 
 QSRSLT CScanCmd::GetPushScanParameter(_SCANCMD_RESPONSE_INFO* response) {
-  return query("GetPushScanParameter", "GKP Command START", response, [&] { return v2_.ExeGKPcmd(response); });
+  return query("GetPushScanParameter", response, {"K Command START", [&] { return v1_.ExeKcmd(response); }},
+               {"GKP Command START", [&] { return v2_.ExeGKPcmd(response); }});
 }
 
 QSRSLT CScanCmd::QueryDeviceScanParameter(_SCANCMD_RESPONSE_INFO* response) {
-  return query("QueryDeviceScanParameter", "SSP Command START", response,
-               [&] { return v2_.ExeSSPcmd(response, &param_); });
+  return query("QueryDeviceScanParameter", response,
+               {"I Command START", [&] { return v1_.ExeIcmd(response, &param_); }},
+               {"SSP Command START", [&] { return v2_.ExeSSPcmd(response, &param_); }});
 }
 
 QSRSLT CScanCmd::GetPaletteTable(_SCANCMD_RESPONSE_INFO* response) {
-  return query("GetPaletteTable", "GCT Command START", response, [&] { return v2_.ExeGCTcmd(response); });
+  return query("GetPaletteTable", response, {"P Command START", [&] { return v1_.ExePcmd(response); }},
+               {"GCT Command START", [&] { return v2_.ExeGCTcmd(response); }});
 }
 
 QSRSLT CScanCmd::GetColorProfile(_SCANCMD_RESPONSE_INFO* response) {
-  return query("GetColorProfile", "GCP Command START", response, [&] { return v2_.ExeGCPcmd(response); });
+  return query("GetColorProfile", response, {}, {"GCP Command START", [&] { return v2_.ExeGCPcmd(response); }});
 }
 
 QSRSLT CScanCmd::GetDocumentSizeOnPaperSource(_SCANCMD_RESPONSE_INFO* response) {
-  return query("GetDocumentSizeOnPaperSource", "GDS Command START", response, [&] { return v2_.ExeGDScmd(response); });
+  return query("GetDocumentSizeOnPaperSource", response,
+               {"E Command START", [&] { return v1_.ExeEcmd(response, &param_); }},
+               {"GDS Command START", [&] { return v2_.ExeGDScmd(response); }});
 }
 
 QSRSLT CScanCmd::StartScanning() {
@@ -142,11 +144,14 @@ QSRSLT CScanCmd::StartScanning() {
     Trace trace("StartScanning");
     return trace.result(QSRSLT_CMD_NO_SCAN_PARAM);
   }
-  return run("StartScanning", "XSC Command START", [&] { return v2_.ExeXSCcmd(&param_); });
+  return run("StartScanning", {"X Command START", [&] { return v1_.ExeXcmd(&param_); }},
+             {"XSC Command START", [&] { return v2_.ExeXSCcmd(&param_); }});
 }
 
 QSRSLT CScanCmd::AbortScanning(SCANCMD_EJECTION_TYPE ejection) {
-  return run("AbortScanning", "ABT Command START", [&] { return v2_.ExeABTcmd(ejection); });
+  // The first generation always ejects in its own way: its command has no place for the wish.
+  return run("AbortScanning", {"R Command START", [&] { return v1_.ExeRcmd(); }},
+             {"ABT Command START", [&] { return v2_.ExeABTcmd(ejection); }});
 }
 
 }  // namespace orvalle_scan_api

@@ -2,13 +2,16 @@
 //
 // The generation is unknown until Q has told it, or until the read thread selects that of the capability record. The
 // device is closed again by the capability query and reopened by whatever operation comes next.
-// First-generation commands are not offered: their operations answer 0x10210022.
+// An operation that the generation does not have answers 0x10210022.
 // Threads: no lock; the caller's thread before a scan, the read thread while one is set up and running.
 #pragma once
+
+#include <functional>
 
 #include "command/CmdDevAccess.h"
 #include "command/IScanCmd.h"
 #include "command/QueryCmd.h"
+#include "command/ScanCmd_v1.h"
 #include "command/ScanCmd_v2.h"
 
 namespace orvalle_scan_api {
@@ -37,10 +40,14 @@ class CScanCmd : public IScanCmd {
  private:
   bool OpenDeviceIfNecessary();
   QSRSLT queryDevice(_SCANCMD_DEVICECAP_INFO* info);
-  template <class Command>
-  QSRSLT run(const char* operation, const char* startMessage, Command command);
-  template <class Command>
-  QSRSLT query(const char* operation, const char* startMessage, _SCANCMD_RESPONSE_INFO* response, Command command);
+  // One generation's command of an operation; no message: the generation does not have the operation.
+  struct Command {
+    const char* startMessage;
+    std::function<QSRSLT()> execute;
+  };
+  QSRSLT run(const char* operation, const Command& first, const Command& second);
+  QSRSLT query(const char* operation, const _SCANCMD_RESPONSE_INFO* response, const Command& first,
+               const Command& second);
 
   _DEV_IDENTIFIER identifier_{};
   SCANCMD_GENERATION generation_ = SCANCMD_GENERATION_UNKNOWN;
@@ -49,6 +56,7 @@ class CScanCmd : public IScanCmd {
   IDeviceAccess* device_ = nullptr;  // not owned
   CCmdDevAccess access_;
   CQueryCmd query_{&access_};
+  CScanCmd_v1 v1_{&access_};
   CScanCmd_v2 v2_{&access_};
 };
 

@@ -15,80 +15,65 @@ const std::string kGCTFrame = "\x1BGCT\n\x80";
 const std::string kGCPFrame = "\x1BGCP\n\x80";
 const std::string kGDSFrame = "\x1BGDS\n\x80";
 
-void logErrorResult(unsigned code) {
-  g_ScanDevApiLog.WriteLog(0, "Return error result from device. Result Code = 0x%02X", code);
-}
-
 }  // namespace
 
 QSRSLT CScanCmd_v2::ExeCKDcmd(SCANCMD_PAPERSOURCE_TYPE source) {
   Trace trace("ExeCKDcmd");
-  if (const QSRSLT sent = send(strings_.MakeCKDcmdString(source)); sent != 0) return trace.result(sent);
+  const QSRSLT sent = command_exchange::send(access_, {}, [&] { return strings_.MakeCKDcmdString(source); });
+  if (sent != 0) return trace.result(sent);
   unsigned char result = 0;
   unsigned char status = 0;
   const QSRSLT got = access_->RecvCmdResult(&result, &status, kAnswerTimeOutMs);
   if (got != 0) return trace.result(got);
-  if (result != 0) {
-    logErrorResult(result);
-    return trace.result(QSRSLT_DEVICE_STATUS | result);
-  }
-  return trace.result(QSRSLT_DOCUMENT_STATUS | status);
+  return trace.result(result != 0 ? command_exchange::errorResult(result) : QSRSLT_DOCUMENT_STATUS | status);
 }
 
 QSRSLT CScanCmd_v2::ExeGKPcmd(_SCANCMD_RESPONSE_INFO* response) {
   Trace trace("ExeGKPcmd");
-  return trace.result(query("GKP", kGKPFrame, gkp_, response));
+  return trace.result(query(
+      "GKP", {}, [] { return kGKPFrame; }, gkp_, response));
 }
 
 QSRSLT CScanCmd_v2::ExeSSPcmd(_SCANCMD_RESPONSE_INFO* response, _SCANCMD_SCANPARAM* param) {
   Trace trace("ExeSSPcmd");
-  if (access_ != nullptr && param == nullptr) return trace.result(QSRSLT_CMD_BAD_ARGUMENT);
-  return trace.result(query("SSP", strings_.MakeSSPcmdString(param), ssp_, response));
+  const auto makeFrame = [&] { return strings_.MakeSSPcmdString(param); };
+  return trace.result(query("SSP", {param}, makeFrame, ssp_, response));
 }
 
 QSRSLT CScanCmd_v2::ExeGCTcmd(_SCANCMD_RESPONSE_INFO* response) {
   Trace trace("ExeGCTcmd");
-  return trace.result(query("GCT", kGCTFrame, gct_, response));
+  return trace.result(query(
+      "GCT", {}, [] { return kGCTFrame; }, gct_, response));
 }
 
 QSRSLT CScanCmd_v2::ExeGCPcmd(_SCANCMD_RESPONSE_INFO* response) {
   Trace trace("ExeGCPcmd");
-  return trace.result(query("GCP", kGCPFrame, gcp_, response));
+  return trace.result(query(
+      "GCP", {}, [] { return kGCPFrame; }, gcp_, response));
 }
 
 QSRSLT CScanCmd_v2::ExeGDScmd(_SCANCMD_RESPONSE_INFO* response) {
   Trace trace("ExeGDScmd");
-  return trace.result(query("GDS", kGDSFrame, gds_, response));
+  return trace.result(query(
+      "GDS", {}, [] { return kGDSFrame; }, gds_, response));
 }
 
 QSRSLT CScanCmd_v2::ExeXSCcmd(_SCANCMD_SCANPARAM* param) {
   Trace trace("ExeXSCcmd");
-  if (access_ != nullptr && param == nullptr) return trace.result(QSRSLT_CMD_BAD_ARGUMENT);
-  return trace.result(send(strings_.MakeXSCcmdString(param)));
+  return trace.result(command_exchange::send(access_, {param}, [&] { return strings_.MakeXSCcmdString(param); }));
 }
 
 QSRSLT CScanCmd_v2::ExeABTcmd(SCANCMD_EJECTION_TYPE ejection) {
   Trace trace("ExeABTcmd");
-  return trace.result(send(strings_.MakeABTcmdString(ejection)));
+  return trace.result(command_exchange::send(access_, {}, [&] { return strings_.MakeABTcmdString(ejection); }));
 }
 
-QSRSLT CScanCmd_v2::send(const std::string& frame) {
-  if (access_ == nullptr) {
-    g_ScanDevApiLog.WriteLog(0, "CCmdDevAccess instance does not exist.");
-    return QSRSLT_CMD_NO_DEVICE_ACCESS;
-  }
-  if (frame.empty()) return QSRSLT_CMD_EMPTY;
-  return access_->SendCommand(frame.data(), static_cast<int>(frame.size()));
-}
-
-QSRSLT CScanCmd_v2::query(const char* signature, const std::string& frame, _SCANCMD_RESPONSE_INFO& stored,
+QSRSLT CScanCmd_v2::query(const char* signature, command_exchange::Arguments arguments,
+                          const command_exchange::MakeFrame& makeFrame, _SCANCMD_RESPONSE_INFO& stored,
                           _SCANCMD_RESPONSE_INFO* response) {
-  if (access_ != nullptr && response == nullptr) return QSRSLT_CMD_BAD_ARGUMENT;
-  CScanCmdCom().FreeCmdResponseData(stored);
-  QSRSLT result = send(frame);
-  if (result == 0) result = RecvCmdResponseData(signature, stored, kAnswerTimeOutMs);
-  if (response != nullptr) *response = stored;
-  return result;
+  return command_exchange::query(
+      access_, arguments, makeFrame, [&] { return RecvCmdResponseData(signature, stored, kAnswerTimeOutMs); }, stored,
+      response);
 }
 
 QSRSLT CScanCmd_v2::RecvCmdResponseData(const char* signature, _SCANCMD_RESPONSE_INFO& stored, long timeOutMs) {
@@ -97,10 +82,7 @@ QSRSLT CScanCmd_v2::RecvCmdResponseData(const char* signature, _SCANCMD_RESPONSE
   answer.signatureSize = kSignatureBytes;
   answer.lengthSize = 4;
   if (const QSRSLT got = access_->RecvCmdResponse(answer, timeOutMs, false); got != 0) return got;
-  if (answer.result != 0) {
-    logErrorResult(answer.result);
-    return QSRSLT_DEVICE_STATUS + answer.result;
-  }
+  if (answer.result != 0) return command_exchange::errorResult(answer.result);
   const CScanCmdCom common;
   const QSRSLT valid = common.ValidateCmdResSignature(answer.signature, signature, kSignatureBytes);
   return valid != 0 ? valid : common.CopyCmdResDataFromRxBuff(answer.data, answer.dataSize, stored);

@@ -4,6 +4,7 @@
 
 #include "command/CmdDevAccess.h"
 #include "command/CmdString_v2.h"
+#include "command/command_exchange.h"
 #include "command/scancmd_param.h"
 
 namespace orvalle_scan_api {
@@ -34,9 +35,9 @@ class CScanCmd_v2 {
   void FreeResCmdData();
 
  private:
-  QSRSLT query(const char* signature, const std::string& frame, _SCANCMD_RESPONSE_INFO& stored,
+  QSRSLT query(const char* signature, command_exchange::Arguments arguments,
+               const command_exchange::MakeFrame& makeFrame, _SCANCMD_RESPONSE_INFO& stored,
                _SCANCMD_RESPONSE_INFO* response);
-  QSRSLT send(const std::string& frame);
   QSRSLT RecvCmdResponseData(const char* signature, _SCANCMD_RESPONSE_INFO& stored, long timeOutMs);
 
   _SCANCMD_RESPONSE_INFO gkp_{};  // each owns its data

@@ -262,8 +262,8 @@ int CBitmapHeader::paletteEntriesPresent(unsigned char* data, unsigned int size)
 
 int CBitmapHeader::findColor(unsigned char* data, unsigned int size, int limit, std::uint8_t value) {
   const int count = std::min(limit, paletteEntriesPresent(data, size));
-  const unsigned char* entry = data + kPaletteOffset;
-  for (int i = 0; i < count; ++i, entry += 4) {
+  for (int i = 0; i < count; ++i) {
+    const unsigned char* const entry = data + kPaletteOffset + 4 * i;
     if (entry[0] == value && entry[1] == value && entry[2] == value) return i;
   }
   return -1;

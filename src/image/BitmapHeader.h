@@ -73,11 +73,13 @@ class CBitmapHeader {
   virtual int ConvertDotPerInchToPixPerMeter(int dpi);
   virtual int ConvertPixPerMeterToDotPerInch(int ppm);
 
+ protected:
+  // First palette index below limit whose three colours have the value; -1 if there is none.
+  int findColor(unsigned char* data, unsigned int size, int limit, std::uint8_t value);
+
  private:
   // Palette entries that lie inside the data.
   int paletteEntriesPresent(unsigned char* data, unsigned int size);
-  // First palette index below limit whose three colours have the value; -1 if there is none.
-  int findColor(unsigned char* data, unsigned int size, int limit, std::uint8_t value);
 
   std::unique_ptr<unsigned char[]> m_header;
   std::unique_ptr<tagRGBQUAD[]> m_monochromeTable;

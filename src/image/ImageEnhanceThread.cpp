@@ -76,9 +76,7 @@ QSRSLT CImageEnhanceThread::ImageEnhancementProc(CImageData* page) {
 
   if (IsNeedChangeResolution()) {
     g_ScanDevApiLog.WriteLog(0, "Change resolution");
-    // The resampler is not part of the library yet: the answer is that of one that could not be set up, and the final
-    // store stays unfinished.
-    result = QSRSLT_CHANGE_RESO_INIT;
+    result = ChangeImageResolutionProc(store, page->m_finalData);
     store.DeleteData();
   } else {
     g_ScanDevApiLog.WriteLog(0, "No Change resolution");
@@ -111,10 +109,6 @@ QSRSLT CImageEnhanceThread::TakeResult(const tagQS_SCAN_IMAGEDATA& result, CImag
   if (wrote != QSRSLT_SUCCESS) return wrote;
   store.FinishWriteData(false, 0);
   return store.CompleteBmp();
-}
-
-bool CImageEnhanceThread::IsNeedChangeResolution() const {
-  return m_userParam.resolution.x > m_deviceParam.resolution.x || m_userParam.resolution.y > m_deviceParam.resolution.y;
 }
 
 // A page of fixed size that the feeder ended early is made up to the size that was ordered, unless the user allowed it

@@ -1,5 +1,6 @@
-// The last stage: runs IImageEnhance over the page's BMP, pads a page that ended early and leaves the result in
-// m_finalData. A failure of the module alone gives an unenhanced page and no error.
+// The last stage: runs IImageEnhance over the page's BMP, pads a page that ended early, raises the resolution where the
+// device delivered less than was asked for, and leaves the result in m_finalData. A failure of the module alone gives
+// an unenhanced page and no error.
 #pragma once
 
 #include "image/ImageProcThread.h"
@@ -20,7 +21,11 @@ class CImageEnhanceThread : public CImageProcThread_Base {
   QSRSLT ImageEnhancementProc(CImageData* page);
   // Takes the module's result into store; a result without data keeps what store has.
   static QSRSLT TakeResult(const tagQS_SCAN_IMAGEDATA& result, CImageDataStore& store);
+  // The user asked for more than the device delivers. Less is not made from more here.
   bool IsNeedChangeResolution() const;
+  // The page at the user's resolution, in target. 0x10703001: a ratio that cannot be served, target stays unfinished;
+  // 0x10703002: it could not be started; 0x30402001: no memory.
+  QSRSLT ChangeImageResolutionProc(const CImageDataStore& source, CImageDataStore& target) const;
   QSRSLT DetectEndOfPageProc(CImageDataStore& store) const;
   static QSRSLT AddImageHeight(CImageDataStore& store, int height);
 

@@ -201,14 +201,6 @@ TEST_F(Failures, ATerminationKeepsTheFinishedPages) {
   expectKept(run, 130, "Interrupted.", readPdf(file("pages.pdf")).size());
 }
 
-// The device scans at 600 dpi at most; what lies above would have to be made from that.
-TEST_F(Failures, AResolutionAboveTheDevicesOwnFailsCleanly) {
-  VirtualScanner& scanner = startWith(1, {});
-  Arguments arguments = toPdf();
-  arguments.insert(arguments.end(), {"--resolution", "1200"});
-  expectNothing(scan(scanner.address(), arguments), 12, "cannot scan at this resolution");
-}
-
 TEST_F(Failures, AFolderThatIsNotThereIsToldBeforeTheScan) {
   VirtualScanner& scanner = startWith(1, {});
   const Finished run = scan(scanner.address(), {"--mode", "gray", "-o", file("nowhere/pages.pdf")});

@@ -1,4 +1,6 @@
 // Roads without loss: what the sheet shows arrives sample for sample.
+#include <algorithm>
+
 #include "pdf_file.h"
 #include "scan_test.h"
 #include "sheets.h"
@@ -134,6 +136,32 @@ TEST_F(Lossless, ABlackAndWhitePdfHoldsTheSheetsPixels) {
   ASSERT_EQ(pages.size(), 1u);
   EXPECT_EQ(pages[0].bitsPerSample, 1);
   EXPECT_EQ(difference(blackAndWhite(drawn, 128), pages[0].picture), "");
+}
+
+// The device scans at 600 dpi at most: what lies above is made from that, pixel by pixel where the ratio is exact.
+TEST_F(Lossless, AResolutionAboveTheDevicesOwnIsMadeFromIt) {
+  const Picture drawn = drawText(1417, 945, 600, 9);
+  VirtualScanner& scanner = startScanner({sheet("sheet.png", drawn), "--reload"});
+  const std::string paper = paperOf(drawn.widthPx, drawn.heightPx, 600);
+  ASSERT_TRUE(endedWith(0, scan(scanner.address(), {"--mode", "mono", "--resolution", "1200", "--page-size", paper,
+                                                    "-o", file("page.png")})));
+  const Picture page = readPng(file("page.png"));
+  EXPECT_NEAR(page.dpi, 1200, 1);
+  const Picture black = blackAndWhite(drawn, 128);
+  ASSERT_NEAR(page.widthPx, 2 * drawn.widthPx, 2);
+  ASSERT_NEAR(page.heightPx, 2 * drawn.heightPx, 2);
+  for (int y = 0; y < std::min(page.heightPx, 2 * drawn.heightPx); ++y) {
+    for (int x = 0; x < std::min(page.widthPx, 2 * drawn.widthPx); ++x) {
+      ASSERT_EQ(*page.at(x, y), *black.at(x / 2, y / 2)) << x << ", " << y;
+    }
+  }
+
+  ASSERT_TRUE(endedWith(0, scan(scanner.address(), {"--mode", "gray", "--resolution", "1200", "--page-size", paper,
+                                                    "-o", file("page.pdf")})));
+  const auto pages = readPdf(file("page.pdf"));
+  ASSERT_EQ(pages.size(), 1u);
+  EXPECT_NEAR(pages[0].widthMm, drawn.widthPx * 25.4 / 600, 0.5);
+  EXPECT_NEAR(pages[0].heightMm, drawn.heightPx * 25.4 / 600, 0.5);
 }
 
 // Error diffusion keeps the mean: a block of dots is as bright as the grey it stands for.

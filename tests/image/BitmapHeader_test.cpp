@@ -106,6 +106,25 @@ TEST(BitmapHeader, TheHeaderSizesDecideWhatCanBeRead) {
   EXPECT_EQ(header.GetBmpInfoHeader(bmp.data(), sizeOf(bmp)), bmp.data() + 14);
 }
 
+TEST(BitmapHeader, NoDataGive0FromEveryAccessor) {
+  CBitmapHeader header;
+  for (unsigned size : {0u, 1000u}) {
+    EXPECT_FALSE(header.IsBmpData(nullptr, size));
+    EXPECT_EQ(header.GetBmpFileHeader(nullptr, size), nullptr);
+    EXPECT_EQ(header.GetBmpInfoHeader(nullptr, size), nullptr);
+    EXPECT_FALSE(header.IsColorPaletteContain(nullptr, size));
+    EXPECT_EQ(header.GetColorPaletteNum(nullptr, size), 0);
+    EXPECT_EQ(header.GetBmpColorPaletterPointer(nullptr, size), nullptr);
+    EXPECT_EQ(header.GetWhiteDataValue(nullptr, size), 0xFF);
+    EXPECT_EQ(header.GetResolutionX(nullptr, size) + header.GetResolutionY(nullptr, size), 0);
+    EXPECT_EQ(header.GetWidthPixel(nullptr, size) + header.GetHeightPixel(nullptr, size), 0);
+    EXPECT_EQ(header.GetPixelDataSize(nullptr, size), 0u);
+    EXPECT_FALSE(header.SetHeightPixel(nullptr, size, 5));
+    EXPECT_EQ(header.GetColorPaletteIndexOfBlack(nullptr, size), 0);
+    EXPECT_EQ(header.GetColorPaletteIndexOfWhite(nullptr, size), 0);
+  }
+}
+
 TEST(BitmapHeader, TwoBitsHaveFourEntriesWhenWrittenAndNoneWhenRead) {
   CBitmapHeader header;
   ByteVector bmp = fakes::makeBmp(8, 1, 24, ByteVector(40));
@@ -207,6 +226,64 @@ TEST(BitmapHeader, ColorTablesAreMadeOnceAndOnlyForTwoDepths) {
   EXPECT_EQ(header.CreateColorTable(24), nullptr);
   EXPECT_EQ(header.CreateColorTable(4), nullptr);
   header.FreeColorTable();
+}
+
+TEST(BitmapHeader, FreedBlocksAreMadeAnew) {
+  CBitmapHeader header;
+  ASSERT_NE(header.CreateBmpHeader(300, 300, 24, 5, 3, nullptr, nullptr), nullptr);
+  header.FreeBmpHeader();
+  header.FreeBmpHeader();
+  int size = 0;
+  const unsigned char* const built = header.CreateBmpHeader(300, 300, 1, 5, 3, nullptr, &size);
+  ASSERT_NE(built, nullptr);
+  EXPECT_EQ(size, 62);
+  EXPECT_EQ(built[28], 1);
+  // A table that its user has scribbled on is whole again after it was freed.
+  header.CreateMonochromeColorTable()[1] = {1, 2, 3, 4};
+  header.FreeMonochromeColorTable();
+  EXPECT_EQ(header.CreateMonochromeColorTable()[1].rgbRed, 255);
+  header.CreateGrayColorTable()[7] = {1, 2, 3, 4};
+  header.FreeGrayColorTable();
+  EXPECT_EQ(header.CreateGrayColorTable()[7].rgbRed, 7);
+}
+
+TEST(BitmapHeader, EachWrittenHeaderIsReadBack) {
+  std::mt19937 random(19);
+  for (int bpp : {1, 8, 24}) {
+    for (int round = 0; round < 50; ++round) {
+      const int width = static_cast<int>(random() % 40000);
+      const int height = static_cast<int>(random() % 40000);
+      const int resolutions[] = {100, 200, 300, 400, 600, 1200};
+      const int resolutionX = resolutions[random() % 6];
+      const int resolutionY = resolutions[random() % 6];
+      CBitmapHeader header;
+      int built = 0;
+      unsigned char* const data =
+          header.CreateBmpHeader(resolutionX, resolutionY, bpp, width, height, header.CreateColorTable(bpp), &built);
+      const auto size = static_cast<unsigned>(built);
+      EXPECT_EQ(size, header.CalcBmpHeaderSize(bpp));
+      EXPECT_EQ(header.GetWidthPixel(data, size), width);
+      EXPECT_EQ(header.GetHeightPixel(data, size), height);
+      EXPECT_EQ(header.GetBitPerPixel(data, size), bpp);
+      EXPECT_EQ(header.GetResolutionX(data, size), resolutionX);
+      EXPECT_EQ(header.GetResolutionY(data, size), resolutionY);
+      EXPECT_EQ(header.GetPixelDataSize(data, size), header.CalcPixelDataSize(width, height, bpp));
+      EXPECT_EQ(header.GetColorPaletteNum(data, size), header.CalcColorPaletteNum(bpp));
+      const int newHeight = static_cast<int>(random() % 40000);
+      EXPECT_TRUE(header.SetHeightPixel(data, size, newHeight));
+      EXPECT_EQ(header.GetHeightPixel(data, size), newHeight);
+    }
+  }
+}
+
+TEST(BitmapHeader, AHalfPaletteIsReadAsFarAsItGoes) {
+  CBitmapHeader header;
+  ByteVector gray = fakes::makeBmp(8, 1, 8, ByteVector(8));
+  fakes::put32(gray, 54 + 4 * 17, 0x00FFFFFF);
+  EXPECT_EQ(header.GetColorPaletteIndexOfWhite(gray.data(), 54 + 4 * 18), 17);
+  EXPECT_EQ(header.GetColorPaletteIndexOfWhite(gray.data(), 54 + 4 * 18 - 1), 0);
+  EXPECT_EQ(header.GetWhiteDataValue(gray.data(), 54 + 4 * 18 - 1), 0xFF);
+  EXPECT_EQ(header.GetBmpPixelDataPointer(gray.data(), 54 + 1023, nullptr), nullptr);
 }
 
 TEST(BitmapHeader, NoSizeWrapsAround) {

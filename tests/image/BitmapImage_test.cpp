@@ -3,29 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <memory>
 #include <random>
 
-#include "tests/fakes/test_bmp.h"
+#include "tests/image/image_of.h"
 
 using fakes::ByteVector;
-
-namespace {
-
-unsigned sizeOf(const ByteVector& bytes) { return static_cast<unsigned>(bytes.size()); }
-CBitmapImage imageOf(ByteVector& bmp) { return {bmp.data(), sizeOf(bmp)}; }
-
-// The plain form that the fast mirror of one-bit lines must equal: spread, swap, pack.
-ByteVector mirroredBits(const ByteVector& line, unsigned width) {
-  ByteVector packed((width + 7) / 8);
-  for (unsigned i = 0; i < width; ++i) {
-    const unsigned from = width - 1 - i;
-    packed[i / 8] = static_cast<std::uint8_t>(packed[i / 8] | (line[from / 8] >> (7 - from % 8) & 1) << (7 - i % 8));
-  }
-  return packed;
-}
-
-}  // namespace
+using fakes::imageOf;
 
 TEST(BitmapImage, InvertHeightSwapsTheLinesFromBothEnds) {
   for (int bpp : {1, 8, 24}) {
@@ -60,29 +43,6 @@ TEST(BitmapImage, InvertWidthMirrorsGreyPixels) {
   EXPECT_EQ(fakes::pixelsOf(bmp), (ByteVector{4, 3, 2, 1, 8, 7, 6, 5}));
 }
 
-TEST(BitmapImage, MirroredBitsEqualThePlainFormAtEveryWidth) {
-  std::mt19937 random(3);
-  for (unsigned width = 2; width <= 67; ++width) {
-    ByteVector line((width + 7) / 8);
-    for (auto& byte : line) byte = static_cast<std::uint8_t>(random());
-    ByteVector fast = line;
-    EXPECT_TRUE(CBitmapImage(nullptr, 0).Invert1BitLine(fast.data(), width));
-    EXPECT_EQ(fast, mirroredBits(line, width)) << width;
-  }
-}
-
-TEST(BitmapImage, BelowTwoPixelsThereIsNothingToMirror) {
-  CBitmapImage image(nullptr, 0);
-  unsigned char line[3] = {0x80, 2, 3};
-  for (int bpp : {1, 8, 24}) {
-    EXPECT_FALSE(image.InvertLine(line, 1, bpp));
-    EXPECT_FALSE(image.InvertLine(line, 0, bpp));
-  }
-  EXPECT_EQ(line[0], 0x80);
-  EXPECT_FALSE(image.InvertLine(line, 3, 4));
-  EXPECT_FALSE(image.InvertLine(line, 3, 32));
-}
-
 TEST(BitmapImage, InvertWidthAnswersForTheLastLineAndTrueWithoutLines) {
   ByteVector narrow = fakes::makeBmp(1, 2, 24, fakes::countingPixels(1, 2, 24));
   EXPECT_FALSE(imageOf(narrow).InvertWidth());
@@ -102,78 +62,167 @@ TEST(BitmapImage, MirroringTwiceIsTheImageAgain) {
   }
 }
 
-TEST(BitmapImage, TrimBmpPageHeightKeepsTheFirstLinesInMemory) {
-  ByteVector bmp = fakes::makeBmp(4, 5, 24, fakes::countingPixels(4, 5, 24));
-  const ByteVector before = bmp;
-  EXPECT_EQ(imageOf(bmp).TrimBmpPageHeight(2, true), 54u + 24);
-  ByteVector expected = before;
-  fakes::put32(expected, 2, 54 + 24);
-  fakes::put32(expected, 22, 2);
-  EXPECT_EQ(bmp, expected);
+TEST(BitmapImage, InvertRgbArraySwapsTheOuterBytesOfEachColourPixel) {
+  ByteVector bmp = fakes::makeBmp(2, 2, 24, {1, 2, 3, 4, 5, 6, 11, 12, 13, 14, 15, 16});
+  EXPECT_TRUE(imageOf(bmp).InvertRgbArray());
+  EXPECT_EQ(fakes::pixelsOf(bmp), (ByteVector{3, 2, 1, 6, 5, 4, 13, 12, 11, 16, 15, 14}));
 }
 
-TEST(BitmapImage, TrimBmpPageHeightLeavesTheFieldWithThePixelBytes) {
-  ByteVector bmp = fakes::makeBmp(4, 5, 24, fakes::countingPixels(4, 5, 24));
-  imageOf(bmp).TrimBmpPageHeight(2, true);
-  EXPECT_EQ(bmp[34], 60);
-}
-
-TEST(BitmapImage, TrimBmpPageHeightKeepsTheLastLinesInMemory) {
-  for (int height : {4, 3, 1, 0}) {  // also more than one line dropped
-    ByteVector bmp = fakes::makeBmp(4, 5, 24, fakes::countingPixels(4, 5, 24));
-    const ByteVector pixels = fakes::pixelsOf(bmp);
-    const auto kept = static_cast<std::size_t>(height) * 12;
-    EXPECT_EQ(imageOf(bmp).TrimBmpPageHeight(height, false), 54u + kept);
-    const ByteVector left = fakes::pixelsOf(bmp);
-    EXPECT_TRUE(std::equal(pixels.end() - static_cast<std::ptrdiff_t>(kept), pixels.end(), left.begin())) << height;
+TEST(BitmapImage, InvertRgbArrayLeavesOtherDepthsAlone) {
+  for (int bpp : {1, 8}) {
+    const ByteVector before = fakes::makeBmp(13, 3, bpp, fakes::countingPixels(13, 3, bpp));
+    ByteVector bmp = before;
+    EXPECT_TRUE(imageOf(bmp).InvertRgbArray());
+    EXPECT_EQ(bmp, before) << bpp;
   }
 }
 
-TEST(BitmapImage, TrimBmpPageHeightRefusesAnImageThatIsLower) {
-  ByteVector bmp = fakes::makeBmp(4, 5, 24, fakes::countingPixels(4, 5, 24));
-  const ByteVector before = bmp;
-  EXPECT_EQ(imageOf(bmp).TrimBmpPageHeight(6, true), 0u);
-  EXPECT_EQ(imageOf(bmp).TrimBmpPageHeight(-1, true), 0u);
-  EXPECT_EQ(bmp, before);
-  EXPECT_EQ(imageOf(bmp).TrimBmpPageHeight(5, false), 54u + 60);
-  EXPECT_EQ(bmp, before);
-  ByteVector raw(100, 7);
-  EXPECT_EQ(imageOf(raw).TrimBmpPageHeight(0, true), 0u);
-  EXPECT_EQ(raw, ByteVector(100, 7));
+TEST(BitmapImage, TheFirstPaletteEntryTellsTheFlavor) {
+  struct Row {
+    const char* name;
+    int bpp;
+    unsigned entry;
+    bool chocolate, vanilla;
+  };
+  const Row kRows[] = {{"0 is black", 1, 0, true, false},
+                       {"0 is white", 1, 0x00FFFFFF, false, true},
+                       {"0 is grey", 1, 0x00808080, false, false},
+                       {"one colour short of white", 1, 0x00FEFFFF, false, false},
+                       {"the reserved byte does not count", 1, 0xFF000000, true, false},
+                       {"grey page from black", 8, 0, false, false},
+                       {"grey page from white", 8, 0x00FFFFFF, false, false}};
+  for (const Row& row : kRows) {
+    ByteVector bmp = fakes::makeBmp(8, 1, row.bpp, ByteVector(8));
+    fakes::put32(bmp, 54, row.entry);
+    EXPECT_EQ(imageOf(bmp).IsChocolatePixelFlavor(), row.chocolate) << row.name;
+    EXPECT_EQ(imageOf(bmp).IsVanillaPixelFlavor(), row.vanilla) << row.name;
+  }
 }
 
-TEST(BitmapImage, BitsSpreadToBytesAndBack) {
-  CBitmapImage image(nullptr, 0);
-  const ByteVector line = {0xA5, 0xC0};
-  const std::unique_ptr<unsigned char[]> bytes(image.Get8BitFrom1bitLineData(line.data(), 10));
-  const ByteVector expected = {1, 0, 1, 0, 0, 1, 0, 1, 1, 1};
-  EXPECT_EQ(ByteVector(bytes.get(), bytes.get() + 10), expected);
-  const std::unique_ptr<unsigned char[]> packed(image.Get1bitFrom8bitLineData(bytes.get(), 10));
-  EXPECT_EQ(ByteVector(packed.get(), packed.get() + 2), line);
+TEST(BitmapImage, AColourPageWithoutAPaletteHasNoFlavorToInvert) {
+  const ByteVector before = fakes::makeBmp(5, 3, 24, fakes::countingPixels(5, 3, 24));
+  ByteVector bmp = before;
+  EXPECT_FALSE(imageOf(bmp).IsVanillaPixelFlavor());
+  EXPECT_FALSE(imageOf(bmp).IsChocolatePixelFlavor());
+  EXPECT_FALSE(imageOf(bmp).InvertPixelFlavor());
+  EXPECT_EQ(bmp, before);
 }
 
-TEST(BitmapImage, AByteOf0xFFSetsEveryBitToItsLeftInTheSameOutputByte) {
+TEST(BitmapImage, InvertPixelFlavorComplementsPaletteAndPixels) {
+  const ByteVector before = fakes::makeBmp(12, 2, 1, {0xA5, 0xC0, 0x0F, 0x00});
+  ByteVector bmp = before;
+  bmp[57] = 7;  // the reserved byte of an entry is no colour
+  EXPECT_TRUE(imageOf(bmp).IsChocolatePixelFlavor());
+  EXPECT_TRUE(imageOf(bmp).InvertPixelFlavor());
+  EXPECT_TRUE(imageOf(bmp).IsVanillaPixelFlavor());
+  ByteVector expected = fakes::makeBmp(12, 2, 1, {0x5A, 0x3F, 0xF0, 0xFF});
+  fakes::put32(expected, 54, 0x07FFFFFF);
+  fakes::put32(expected, 58, 0x00000000);
+  EXPECT_EQ(bmp, expected);
+}
+
+TEST(BitmapImage, InvertPixelFlavorChangesNothingWhereAPartIsMissing) {
+  struct Row {
+    const char* name;
+    std::size_t size;
+    unsigned fileBytes;
+  };
+  const ByteVector whole = fakes::makeBmp(16, 2, 1, {1, 2, 3, 4});
+  for (const Row& row : {Row{"no pixel bytes there", 62, 66}, Row{"half a palette", 58, 66}, Row{"no palette", 54, 66},
+                         Row{"half a header", 20, 66}, Row{"a file that ends with its header", 66, 62}}) {
+    ByteVector bmp(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(row.size));
+    fakes::put32(bmp, 2, row.fileBytes);
+    const ByteVector before = bmp;
+    EXPECT_FALSE(imageOf(bmp).InvertPixelFlavor()) << row.name;
+    EXPECT_EQ(bmp, before) << row.name;
+  }
+  ByteVector gray = fakes::makeBmp(4, 1, 8, {1, 2, 3, 4});
+  EXPECT_FALSE(imageOf(gray).InvertPixelFlavor());
+  ByteVector unsignedBytes = whole;
+  unsignedBytes[0] = 'X';
+  const ByteVector before = unsignedBytes;
+  EXPECT_FALSE(imageOf(unsignedBytes).InvertPixelFlavor());
+  EXPECT_EQ(unsignedBytes, before);
+}
+
+TEST(BitmapImage, PaletteEntriesAndBytesAreComplementedByCount) {
   CBitmapImage image(nullptr, 0);
-  ByteVector bytes(16);
-  bytes[3] = 0xFF;
-  bytes[15] = 0xFF;
-  const std::unique_ptr<unsigned char[]> packed(image.Get1bitFrom8bitLineData(bytes.data(), 16));
-  EXPECT_EQ(packed[0], 0xF0);
-  EXPECT_EQ(packed[1], 0xFF);
+  tagRGBQUAD palette[3] = {{1, 2, 3, 4}, {0, 128, 255, 9}, {5, 6, 7, 8}};
+  EXPECT_TRUE(image.InvertColorPalettePixelFlavor(palette, 2));
+  const ByteVector expected = {254, 253, 252, 4, 255, 127, 0, 9, 5, 6, 7, 8};
+  const auto* const bytes = reinterpret_cast<const std::uint8_t*>(palette);
+  EXPECT_EQ(ByteVector(bytes, bytes + sizeof palette), expected);
+  EXPECT_FALSE(image.InvertColorPalettePixelFlavor(palette, 0));
+  EXPECT_FALSE(image.InvertColorPalettePixelFlavor(palette, -1));
+  EXPECT_FALSE(image.InvertColorPalettePixelFlavor(nullptr, 2));
+  EXPECT_EQ(ByteVector(bytes, bytes + sizeof palette), expected);
+
+  ByteVector data = {0, 1, 0xFF, 0x80};
+  EXPECT_TRUE(image.InvertAllBits(data.data(), 3));
+  EXPECT_EQ(data, (ByteVector{0xFF, 0xFE, 0, 0x80}));
+  EXPECT_FALSE(image.InvertAllBits(data.data(), 0));
+  EXPECT_FALSE(image.InvertAllBits(nullptr, 3));
+}
+
+TEST(BitmapImage, EveryInversionTwiceIsTheImageAgain) {
+  using Operation = bool (CBitmapImage::*)();
+  struct Row {
+    const char* name;
+    Operation operation;
+    bool changes[3];  // at 1, 8 and 24 bits
+  };
+  const Row kRows[] = {{"width", &CBitmapImage::InvertWidth, {true, true, true}},
+                       {"height", &CBitmapImage::InvertHeight, {true, true, true}},
+                       {"colours", &CBitmapImage::InvertRgbArray, {false, false, true}},
+                       {"flavor", &CBitmapImage::InvertPixelFlavor, {true, false, false}}};
+  const int kDepths[] = {1, 8, 24};
+  std::mt19937 random(17);
+  for (const Row& row : kRows) {
+    for (int depth = 0; depth < 3; ++depth) {
+      for (int round = 0; round < 20; ++round) {
+        // Whole bytes at one bit: what lies behind the last pixel does not come back.
+        const int width = 8 + 8 * static_cast<int>(random() % 6);
+        const int height = 2 + static_cast<int>(random() % 9);
+        ByteVector pixels(fakes::lineBytesOf(width, kDepths[depth]) * static_cast<std::size_t>(height));
+        for (auto& byte : pixels) byte = static_cast<std::uint8_t>(random());
+        const ByteVector before = fakes::makeBmp(width, height, kDepths[depth], pixels);
+        ByteVector bmp = before;
+        (imageOf(bmp).*row.operation)();
+        EXPECT_EQ(bmp != before, row.changes[depth]) << row.name << " at " << kDepths[depth];
+        (imageOf(bmp).*row.operation)();
+        EXPECT_EQ(bmp, before) << row.name << " at " << kDepths[depth];
+      }
+    }
+  }
 }
 
 TEST(BitmapImage, TruncatedAndRandomImagesAreChangedWithinTheirBytes) {
+  constexpr std::ptrdiff_t kGuard = 40;
   std::mt19937 random(5);
-  for (int round = 0; round < 3000; ++round) {
-    const int kDepths[] = {1, 8, 24, 0, 4, 32};
+  const int kDepths[] = {1, 8, 24, 0, 2, 4, 16, 32};
+  for (int round = 0; round < 6000; ++round) {
     ByteVector bmp = fakes::makeBmp(11, 6, kDepths[random() % 3], ByteVector(200, 1));
-    bmp[28] = static_cast<std::uint8_t>(kDepths[random() % 6]);
-    if (random() % 2 == 0) fakes::put32(bmp, 18, static_cast<unsigned>(random()));
-    if (random() % 2 == 0) fakes::put32(bmp, 22, static_cast<unsigned>(random()));
-    ByteVector cut(bmp.begin(), bmp.begin() + static_cast<std::ptrdiff_t>(random() % (bmp.size() + 1)));
-    CBitmapImage image = imageOf(cut);
+    if (random() % 3 == 0) bmp[28] = static_cast<std::uint8_t>(kDepths[random() % 8]);
+    if (random() % 3 == 0) fakes::put32(bmp, 2, static_cast<unsigned>(random() % 300));
+    if (random() % 3 == 0) fakes::put32(bmp, 18, static_cast<unsigned>(random()));
+    if (random() % 3 == 0) fakes::put32(bmp, 22, static_cast<unsigned>(random()));
+    const std::size_t size = random() % (bmp.size() + 1);
+    // Between guards, or in a block of its own, so that a sanitizer sees the first byte too far.
+    const std::ptrdiff_t guard = round % 2 == 0 ? kGuard : 0;
+    ByteVector block(size + 2 * static_cast<std::size_t>(guard), 0xAB);
+    std::copy_n(bmp.begin(), size, block.begin() + guard);
+    CBitmapImage image(block.data() + guard, static_cast<unsigned>(size));
+    const auto anyEdge = [&] { return static_cast<unsigned>(random() % 2 == 0 ? random() : random() % 12); };
     image.InvertHeight();
     image.InvertWidth();
+    image.InvertRgbArray();
+    image.InvertPixelFlavor();
+    image.FillEdge(random() % 2 == 0, anyEdge(), anyEdge(), anyEdge(), anyEdge());
+    image.FillEdgeOf1BitsImage(random() % 2 == 0, anyEdge(), anyEdge(), anyEdge(), anyEdge());
+    image.FillEdgeOfMultiBitsImage(random() % 2 == 0, anyEdge(), anyEdge(), anyEdge(), anyEdge());
+    image.TrimBmpPageWidth(static_cast<int>(random() % 14));
     image.TrimBmpPageHeight(static_cast<int>(random() % 9), random() % 2 == 0);
+    ASSERT_EQ(std::count(block.begin(), block.begin() + guard, 0xAB), guard) << round;
+    ASSERT_EQ(std::count(block.end() - guard, block.end(), 0xAB), guard) << round;
   }
 }

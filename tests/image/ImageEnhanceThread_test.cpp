@@ -4,7 +4,9 @@
 
 #include <cstring>
 #include <stdexcept>
+#include <string>
 
+#include "image/BitmapHeader.h"
 #include "tests/fakes/fake_image_enhance.h"
 #include "tests/fakes/test_bmp.h"
 #include "tests/image/stage_run.h"
@@ -231,20 +233,106 @@ TEST_F(EnhanceStage, PaddingBeyondMemoryIsAnErrorOfThePage) {
   EXPECT_FALSE(page.m_finalData.IsWriteDataFinished());
 }
 
-TEST_F(EnhanceStage, AHigherResolutionThanTheDevicesCannotBeMadeYet) {
-  const AXIS kWishes[] = {{600, 300}, {300, 600}};
-  for (const AXIS& wish : kWishes) {
-    scanError.Reset();
-    decodedBmp(5, 3, 24, fakes::countingPixels(5, 3, 24));
-    settings.user.resolution = wish;
-    const SCANSTATUS status = run();
-    EXPECT_EQ(status.status, 0x10703001u);
-    EXPECT_EQ(status.errPageNo, 1u);
-    EXPECT_EQ(page.m_pCurrentStore, &page.m_finalData);
-    EXPECT_FALSE(page.m_finalData.IsWriteDataFinished());
-    EXPECT_TRUE(page.m_decodedData.IsEmpty());
-    EXPECT_EQ(page.GetFinalImage().imageEnhanceTerminated, 1);
+TEST_F(EnhanceStage, AHigherResolutionThanTheDevicesIsMadeFromThePage) {
+  settings.user.resolution = {600, 600};
+  decodedBmp(30, 12, 24, ByteVector(30 * 3 * 12, 0x77));
+  EXPECT_EQ(run().status, 0u);
+  ByteVector wanted = fakes::makeBmp(60, 24, 24, ByteVector(60 * 3 * 24, 0x77));
+  fakes::put32(wanted, 38, 23622);
+  fakes::put32(wanted, 42, 23622);
+  EXPECT_EQ(finalBmp(), wanted);
+  EXPECT_EQ(page.m_finalData.GetStatus(), 2);
+  EXPECT_EQ(page.m_finalData.GetResolutionX(), 600);
+  EXPECT_EQ(page.m_finalData.GetHeightPixel(), 24);
+  EXPECT_EQ(page.m_finalData.GetDataType(), 6u);
+  EXPECT_EQ(page.m_pCurrentStore, &page.m_finalData);
+  EXPECT_TRUE(page.m_decodedData.IsEmpty());
+}
+
+TEST_F(EnhanceStage, EachPixelOfAOneBitPageIsRepeatedWhereTheRatioIsExact) {
+  settings.user.resolution = {600, 900};
+  decodedBmp(16, 2, 1, {0xA5, 0x0F, 0xFF, 0x00});
+  EXPECT_EQ(run().status, 0u);
+  const ByteVector upper = {0xCC, 0x33, 0x00, 0xFF};
+  const ByteVector lower = {0xFF, 0xFF, 0x00, 0x00};
+  ByteVector wanted;
+  for (const ByteVector& line : {upper, upper, upper, lower, lower, lower}) {
+    wanted.insert(wanted.end(), line.begin(), line.end());
   }
+  EXPECT_EQ(fakes::pixelsOf(finalBmp()), wanted);
+}
+
+TEST_F(EnhanceStage, OneDirectionAloneCanBeRaised) {
+  settings.user.resolution = {300, 600};
+  decodedBmp(5, 10, 8, ByteVector(5 * 10, 0x40));
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(page.m_finalData.GetWidthPixel(), 5);
+  EXPECT_EQ(page.m_finalData.GetHeightPixel(), 20);
+  EXPECT_EQ(fakes::pixelsOf(finalBmp()), ByteVector(5 * 20, 0x40));
+}
+
+// A stage and a page of its own: a page goes through once.
+struct OnePage : EnhanceStage {
+  void TestBody() override {}
+};
+
+// The lines of these are one byte apart from what the width asks for, and the flush can be a line longer than planned.
+TEST_F(EnhanceStage, HeaderSizesAndBytesAgreeAtEveryRatio) {
+  for (const int bpp : {1, 8, 24}) {
+    for (const int width : {1, 2, 3, 7, 50, 2480}) {
+      for (const int height : {1, 2, 3, 4, 35}) {
+        for (const AXIS& wish : {AXIS{400, 400}, AXIS{450, 400}, AXIS{600, 320}, AXIS{200, 450}}) {
+          SCOPED_TRACE(std::to_string(bpp) + " bits, " + std::to_string(width) + " by " + std::to_string(height) +
+                       " to " + std::to_string(wish.x) + " by " + std::to_string(wish.y));
+          OnePage one;
+          one.settings.user.resolution = wish;
+          one.decodedBmp(width, height, bpp, fakes::countingPixels(width, height, bpp));
+          const bool nothingLeft = width * static_cast<int>(wish.x) / 300 == 0;
+          ASSERT_EQ(one.run().status, nothingLeft ? 0x10703001u : 0u);
+          if (nothingLeft) continue;
+          const ByteVector bmp = one.finalBmp();
+          const CImageDataStore& store = one.page.m_finalData;
+          ASSERT_GE(bmp.size(), fakes::headerBytesOf(bpp));
+          CBitmapHeader header;
+          ByteVector copy = bmp;
+          const auto size = static_cast<unsigned>(copy.size());
+          EXPECT_EQ(header.GetWidthPixel(copy.data(), size), store.GetWidthPixel());
+          EXPECT_EQ(header.GetHeightPixel(copy.data(), size), store.GetHeightPixel());
+          EXPECT_EQ(header.CalcBmpSize(bpp, store.GetWidthPixel(), store.GetHeightPixel()), bmp.size());
+          EXPECT_GE(store.GetHeightPixel() + 1, height * static_cast<int>(wish.y) / 300);
+        }
+      }
+    }
+  }
+}
+
+// Three lines have to be known before the first comes out: a page of fewer is white, and as large as it was to be.
+TEST_F(EnhanceStage, APageOfTwoLinesComesOutWhite) {
+  settings.user.resolution = {600, 600};
+  decodedBmp(5, 2, 8, ByteVector(10, 0x40));
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(fakes::pixelsOf(finalBmp()), ByteVector(10 * 4, 0xFF));
+}
+
+TEST_F(EnhanceStage, ARatioThatCannotBeServedIsAnErrorOfThePage) {
+  settings.user.resolution = {300 * 33, 300};
+  decodedBmp(5, 3, 24, fakes::countingPixels(5, 3, 24));
+  const SCANSTATUS status = run();
+  EXPECT_EQ(status.status, 0x10703001u);
+  EXPECT_EQ(status.errPageNo, 1u);
+  EXPECT_EQ(page.m_pCurrentStore, &page.m_finalData);
+  EXPECT_FALSE(page.m_finalData.IsWriteDataFinished());
+  EXPECT_TRUE(page.m_decodedData.IsEmpty());
+  EXPECT_EQ(page.GetFinalImage().imageEnhanceTerminated, 1);
+}
+
+// The device's own type of 256 colours goes into the resampler as colour, of which two thirds are then missing.
+TEST_F(EnhanceStage, AnUnenhancedPageOf256ColoursIsRaisedWithoutReadingBehindItsLines) {
+  settings.user.resolution = {600, 600};
+  decodedBmp(5, 8, 8, fakes::countingPixels(5, 8, 8));
+  enhancer.processAnswer = 1;
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(page.m_finalData.GetWidthPixel(), 10);
 }
 
 TEST_F(EnhanceStage, ALowerResolutionThanTheDevicesIsLeftAsItCame) {

@@ -213,9 +213,14 @@ TEST(JpegHeader, SmallHelpers) {
   ByteVector bytes = {1, 2, 3, 4, 5};
   header.InvertEndian(bytes.data(), 5);
   EXPECT_EQ(bytes, (ByteVector{5, 4, 3, 2, 1}));
+  header.InvertEndian(bytes.data(), 2);
+  header.InvertEndian(bytes.data(), 1);
+  header.InvertEndian(bytes.data(), -3);
+  EXPECT_EQ(bytes, (ByteVector{4, 5, 3, 2, 1}));
   ByteVector segment = sof(0xC0, 1, 1, 1);
   EXPECT_EQ(header.GetSegmentDataLength(segment.data(), 4), 17);
   EXPECT_EQ(header.GetSegmentDataLength(segment.data(), 3), 0);
+  EXPECT_EQ(header.GetSegmentDataLength(nullptr, 4), 0);
 }
 
 TEST(JpegHeader, AZeroLengthStepsOverTwoBytesAndANegativeOneEndsTheWalk) {
@@ -226,6 +231,93 @@ TEST(JpegHeader, AZeroLengthStepsOverTwoBytesAndANegativeOneEndsTheWalk) {
   EXPECT_EQ(fieldsOf(aligned).height, 100);
   ByteVector backward = join({kSoi, {0xFF, 0xE1, 0xFF, 0xFE}, sof(0xC0, 100, 200, 3), kTail});
   EXPECT_EQ(fieldsOf(backward).height, 0);
+}
+
+TEST(JpegHeader, TheWalkEndsWhereItCannotGoOn) {
+  struct Row {
+    const char* name;
+    ByteVector between;
+    bool found;
+  };
+  // Each lies between the first marker and a frame header.
+  const Row kRows[] = {
+      {"nothing", {}, true},
+      {"a comment", {0xFF, 0xFE, 0, 4, 'o', 'k'}, true},
+      {"a length of 0, then bytes that are taken for a segment", {0xFF, 0xE1, 0, 0, 0, 3, 7}, true},
+      {"a length of 1 misses the frame header", {0xFF, 0xE1, 0, 1}, false},
+      {"a length that ends one byte short of the frame header", {0xFF, 0xE1, 0, 3, 7, 7}, false},
+      {"a length that leads behind the end", {0xFF, 0xE1, 0x7F, 0xFF}, false},
+      {"a step of nothing", {0xFF, 0xE1, 0xFF, 0xFE}, false},
+      {"a step backward", {0xFF, 0xE1, 0xFF, 0xFC}, false},
+      {"the longest step backward", {0xFF, 0xE1, 0x80, 0x00}, false},
+      {"a frame header of no length", {0xFF, 0xC0, 0, 0}, false},
+      {"a frame header that is too long", {0xFF, 0xC0, 0x10, 0x00}, false},
+  };
+  for (const Row& row : kRows) {
+    ByteVector bytes = join({kSoi, row.between, sof(0xC0, 100, 200, 3), kTail});
+    unsigned char* const expected = row.found ? bytes.data() + 2 + row.between.size() : nullptr;
+    EXPECT_EQ(CJpegHeader().GetSegment(CJpegHeader::kSof0, bytes.data(), sizeOf(bytes)), expected) << row.name;
+  }
+  EXPECT_EQ(CJpegHeader().GetSegment(CJpegHeader::kSof0, nullptr, 100), nullptr);
+}
+
+TEST(JpegHeader, TheFirstSegmentOfAKindCounts) {
+  ByteVector bytes =
+      join({kSoi, app0(1, 300, 200), app0(1, 75, 75), sof(0xC0, 100, 200, 3), sof(0xC0, 7, 8, 1), kTail});
+  EXPECT_EQ(fieldsOf(bytes).resX, 300);
+  EXPECT_EQ(fieldsOf(bytes).height, 100);
+}
+
+TEST(JpegHeader, FieldsThatLieBehindTheEndAreNotRead) {
+  // A frame header of 4 bytes, with nothing behind it.
+  ByteVector frame = join({kSoi, {0xFF, 0xC0, 0, 3, 8, 1}});
+  EXPECT_NE(CJpegHeader().GetSegment(CJpegHeader::kSof0, frame.data(), sizeOf(frame)), nullptr);
+  const ByteVector before = frame;
+  EXPECT_EQ(fieldsOf(frame).height + fieldsOf(frame).width + fieldsOf(frame).bpp, 0);
+  EXPECT_FALSE(CJpegHeader().SetHeightPix(frame.data(), sizeOf(frame), 7));
+  EXPECT_FALSE(CJpegHeader().SetWidthPix(frame.data(), sizeOf(frame), 7));
+  EXPECT_EQ(frame, before);
+  ByteVector jfif = join({kSoi, {0xFF, 0xE0, 0, 12, 'J', 'F', 'I', 'F', 0, 1, 2, 1, 1, 44}});
+  EXPECT_NE(CJpegHeader().GetSegment(CJpegHeader::kApp0, jfif.data(), sizeOf(jfif)), nullptr);
+  EXPECT_EQ(fieldsOf(jfif).resX + fieldsOf(jfif).resY, 0);
+}
+
+TEST(JpegHeader, ASegmentIsEnoughWhenItsLengthIsBelowTheBytesLeft) {
+  CJpegHeader header;
+  struct Row {
+    const char* name;
+    ByteVector segment;
+    bool enough;
+  };
+  const Row kRows[] = {{"less", {0xFF, 0xE0, 0, 5, 1, 2}, true},   {"as many", {0xFF, 0xE0, 0, 6, 1, 2}, false},
+                       {"one", {0xFF, 0xE0, 0, 1}, true},          {"none", {0xFF, 0xE0, 0, 0}, false},
+                       {"negative", {0xFF, 0xE0, 0xFF, 1}, false}, {"half a length field", {0xFF, 0xE0, 0}, false}};
+  for (const Row& row : kRows) {
+    ByteVector bytes = join({kSoi, row.segment});
+    EXPECT_EQ(header.IsThereEnoughSegmentData(bytes.data(), bytes.data() + 2, sizeOf(bytes)), row.enough) << row.name;
+  }
+  ByteVector bytes = jpeg();
+  EXPECT_FALSE(header.IsThereEnoughSegmentData(bytes.data(), bytes.data() + bytes.size(), sizeOf(bytes)));
+  EXPECT_FALSE(header.IsThereEnoughSegmentData(bytes.data() + 2, bytes.data(), sizeOf(bytes) - 2));
+  EXPECT_FALSE(header.IsThereEnoughSegmentData(nullptr, nullptr, 100));
+}
+
+TEST(JpegHeader, ComponentsAndPrecisionAreSignedBytes) {
+  ByteVector bytes = join({kSoi, sof(0xC0, 100, 200, 0xFF), kTail});
+  EXPECT_EQ(fieldsOf(bytes).bpp, -8);
+  bytes[2 + 4] = 0x80;
+  EXPECT_EQ(fieldsOf(bytes).bpp, 128);
+}
+
+TEST(JpegHeader, AHeightThatWasSetIsReadBack) {
+  ByteVector bytes = jpeg();
+  const ByteVector before = bytes;
+  for (int height = 0; height <= 0xFFFF; height += 257) {
+    ASSERT_TRUE(CJpegHeader().SetHeightPix(bytes.data(), sizeOf(bytes), height));
+    ASSERT_EQ(CJpegHeader().GetHeightPix(bytes.data(), sizeOf(bytes)), height);
+  }
+  ASSERT_TRUE(CJpegHeader().SetHeightPix(bytes.data(), sizeOf(bytes), 3507));
+  EXPECT_EQ(bytes, before);
 }
 
 TEST(JpegHeader, EveryPrefixOfAStreamIsReadWithoutLeavingIt) {

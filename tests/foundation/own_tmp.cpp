@@ -1,4 +1,4 @@
-#include "tests/foundation/log_sandbox.h"
+#include "tests/foundation/own_tmp.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -13,10 +13,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <new>
 #include <sstream>
-
-#include "foundation/OutputLog.h"
 
 namespace foundation_test {
 namespace {
@@ -92,8 +89,6 @@ void tellTree(std::FILE* out, const fs::path& path) {
     std::optional<SharedTmp> shared;
     if (!enterPrivateTmp()) shared.emplace();
     if (setup) writeFile(kSetupFile, *setup);
-    g_ScanDevApiLog.~COutputLog();
-    new (&g_ScanDevApiLog) COutputLog("ScanApiLog");
     code();
     std::FILE* out = fdopen(pipe, "wb");
     for (const char* path : kPlaces) tellTree(out, path);
@@ -135,7 +130,7 @@ std::vector<std::string> Left::messages(const std::string& path) const {
   return found;
 }
 
-Left runWithLog(const std::optional<std::string>& setup, const std::function<void()>& code) {
+Left runWithOwnTmp(const std::optional<std::string>& setup, const std::function<void()>& code) {
   int ends[2];
   EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
   std::fflush(nullptr);

@@ -1,4 +1,4 @@
-// What a second-generation device's error byte becomes.
+// What a device's error byte becomes, by the generation of its commands.
 #pragma once
 
 #include "result_codes.h"
@@ -6,6 +6,7 @@
 namespace orvalle_scan_api {
 
 // 0x50000001 to 0x50000016; 0x500000FF for every code that is not in the table.
+QSRSLT deviceErrorResult_v1(unsigned int deviceError);
 QSRSLT deviceErrorResult_v2(unsigned int deviceError);
 
 }  // namespace orvalle_scan_api

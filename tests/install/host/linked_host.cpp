@@ -1,0 +1,4 @@
+// Linked against the core.
+#include "tell.h"
+
+int main() { return tell(CreateInstance()); }
