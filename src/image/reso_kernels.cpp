@@ -51,6 +51,12 @@ QS_INLINE void addCountedCells(const ResoKernels::Cells& cells, std::size_t coun
   float* __restrict const s0 = sums[0];
   float* __restrict const s1 = sums[Planes == 3 ? 1 : 0];
   float* __restrict const s2 = sums[Planes == 3 ? 2 : 0];
+  const float height = cells.height;
+  const float* const widths = cells.widths;
+  const std::uint8_t* const b0 = cells.bytes[0];
+  const std::uint8_t* const b1 = cells.bytes[1];
+  const std::uint8_t* const b2 = cells.bytes[2];
+  const std::size_t step = cells.cellStep;
   for (std::size_t i = 0; i < count; ++i) {
     float sum = total[i];
     float sum0 = s0[i];
@@ -58,13 +64,12 @@ QS_INLINE void addCountedCells(const ResoKernels::Cells& cells, std::size_t coun
     float sum2 = Planes == 3 ? s2[i] : 0.0F;
 #pragma GCC unroll 4
     for (std::size_t k = 0; k < Count; ++k) {
-      const std::size_t at = k * cells.cellStep + i;
-      const float share = cells.widths[at] * cells.height;
+      const float share = widths[k * step + i] * height;
       sum += share;
-      sum0 += static_cast<float>(cells.bytes[0][at]) * share;
+      sum0 += static_cast<float>(b0[k * step + i]) * share;
       if constexpr (Planes == 3) {
-        sum1 += static_cast<float>(cells.bytes[1][at]) * share;
-        sum2 += static_cast<float>(cells.bytes[2][at]) * share;
+        sum1 += static_cast<float>(b1[k * step + i]) * share;
+        sum2 += static_cast<float>(b2[k * step + i]) * share;
       }
     }
     total[i] = sum;
