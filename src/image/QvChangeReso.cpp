@@ -178,7 +178,7 @@ int CQvChangeReso::ChWriteExact(const CHRESO_WRITE& write, int* outLines) {
 bool CQvChangeReso::saveLine(const CHRESO_WRITE& write) {
   unsigned changed = 0;
   if (m_setup.is24Bit()) {
-    changed = m_ring.SetSaveImg24Bit(write.lineData, write.lineBytes, write.lineKind, m_kernels);
+    changed = m_ring.SetSaveImg24Bit(write.lineData, write.lineBytes, write.lineKind);
     if (changed == 0) return false;
   } else if (m_setup.is1Bit()) {
     changed = m_ring.SetSaveImg2Bit(write.lineData, write.lineBytes);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
-#include <utility>
 
 #include "image/reso_bits.h"
 
@@ -13,16 +12,19 @@ constexpr std::size_t kSpanColumns = 2048;
 
 float overlap(float begin, float end, float cell) { return std::min(end, cell + 1.0F) - std::max(begin, cell); }
 
+// To the nearest, halves up: exact, as a fraction of single precision is.
+std::uint8_t rounded(float value) {
+  const float whole = std::trunc(value);
+  return static_cast<std::uint8_t>(static_cast<int>(whole) + (value - whole >= 0.5F ? 1 : 0));
+}
+
 }  // namespace
 
 bool ResoArea::prepare(const ChangeResoSetup& setup) {
   m_setup = &setup;
   m_planes = setup.is24Bit() ? 3 : 1;
   try {
-    m_values.reset(setup.is1Bit() || interleaved() ? new std::uint8_t[m_planes * setup.outPixels]() : nullptr);
-    m_chunks.clear();
-    m_isWhole = m_whole.prepare(setup);
-    return m_isWhole || prepareBoxes();
+    return prepareBoxes();
   } catch (const std::bad_alloc&) {
     return false;
   }
@@ -43,8 +45,10 @@ bool ResoArea::prepareBoxes() {
   }
   m_columns.reset(new std::int32_t[pixels]());
   m_widths.reset(new float[m_cells * pixels]());
+  m_values.reset(m_setup->is1Bit() ? new std::uint8_t[pixels]() : nullptr);
   m_spanLimit = std::max(kSpanColumns, m_cells);
   m_span.reset(new float[m_planes * m_spanLimit]());
+  m_chunks.clear();
   for (std::size_t p = 0; p < pixels; ++p) {
     const auto column = static_cast<std::size_t>(begins[p]);
     const auto end = static_cast<std::size_t>(std::ceil(ends[p]));
@@ -66,27 +70,17 @@ bool ResoArea::prepareBoxes() {
 std::size_t ResoArea::lineExtent() const {
   if (m_setup->is1Bit()) return (m_setup->outPixels + 7) / 8;
   if (m_planes == 1) return m_setup->outPixels;
-  return interleaved() ? 3 * m_setup->outPixels : 2 * (m_setup->outLineBytes / 3) + m_setup->outPixels;
+  const bool interleaved = m_setup->open.colorOrder == 1 || m_setup->open.colorOrder == 3;
+  return interleaved ? 3 * m_setup->outPixels : 2 * (m_setup->outLineBytes / 3) + m_setup->outPixels;
 }
 
 void ResoArea::writeLine(const ResoRing& ring, const ResoKernels& kernels, float y, std::uint8_t* dest) {
-  const std::size_t pixels = m_setup->outPixels;
-  std::uint8_t* planes[3] = {dest, nullptr, nullptr};
-  for (std::size_t plane = 0; plane < m_planes; ++plane) {
-    planes[plane] = m_values ? m_values.get() + plane * pixels : dest + plane * (m_setup->outLineBytes / 3);
-    if (m_isWhole) m_whole.writePlane(ring, kernels, y, static_cast<unsigned>(plane), planes[plane]);
-  }
-  // A box is never empty: it is more than a column wide, and its end is the next one's beginning.
+  m_lastValue = 0;
   for (const Chunk& chunk : m_chunks) {
     sumChunk(ring, kernels, y, chunk);
-    for (std::size_t plane = 0; plane < m_planes; ++plane) {
-      kernels.divide(m_sums[plane], m_total, chunk.count, planes[plane] + chunk.first);
-    }
+    placeChunk(chunk, dest);
   }
-  if (m_setup->is1Bit()) packResoBits(planes[0], pixels, dest);
-  if (!interleaved()) return;
-  if (m_setup->open.colorOrder == 3) std::swap(planes[0], planes[2]);
-  kernels.joinTriples(planes, pixels, dest);
+  if (m_setup->is1Bit()) packResoBits(m_values.get(), m_setup->outPixels, dest);
 }
 
 void ResoArea::sumChunk(const ResoRing& ring, const ResoKernels& kernels, float y, const Chunk& chunk) {
@@ -111,6 +105,32 @@ void ResoArea::sumChunk(const ResoRing& ring, const ResoKernels& kernels, float 
                                     m_span.get() + (m_planes > 1 ? 2 * m_spanLimit : 0) + cell};
       kernels.addCells(m_columns.get() + chunk.first, m_widths.get() + cell * m_setup->outPixels + chunk.first, height,
                        chunk.count, m_planes, rows, m_total, sums);
+    }
+  }
+}
+
+void ResoArea::placeChunk(const Chunk& chunk, std::uint8_t* dest) {
+  const int order = m_setup->open.colorOrder;
+  const bool interleaved = order == 1 || order == 3;
+  const std::size_t planeStep = m_setup->outLineBytes / 3;
+  for (std::size_t i = 0; i < chunk.count; ++i) {
+    const std::size_t p = chunk.first + i;
+    const bool empty = m_total[i] == 0.0F;
+    if (m_setup->is1Bit()) {
+      if (!empty) m_lastValue = rounded(m_sums[0][i] / m_total[i]);
+      m_values[p] = m_lastValue;
+      continue;
+    }
+    if (empty) continue;
+    for (std::size_t plane = 0; plane < m_planes; ++plane) {
+      const std::uint8_t value = rounded(m_sums[plane][i] / m_total[i]);
+      if (m_planes == 1) {
+        dest[p] = value;
+      } else if (interleaved) {
+        dest[3 * p + (order == 1 ? plane : 2 - plane)] = value;
+      } else {
+        dest[planeStep * plane + p] = value;
+      }
     }
   }
 }

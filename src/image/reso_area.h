@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "image/change_reso_setup.h"
-#include "image/reso_area_whole.h"
 #include "image/reso_kernels.h"
 #include "image/reso_ring.h"
 
@@ -18,7 +17,8 @@ class ResoArea {
  public:
   // False without memory.
   bool prepare(const ChangeResoSetup& setup);
-  // The output line that starts at row y of the ring. dest has room for lineExtent bytes.
+  // The output line that starts at row y of the ring. dest has room for lineExtent bytes; a pixel whose box is empty is
+  // left alone, and in a one-bit line repeats the one before.
   void writeLine(const ResoRing& ring, const ResoKernels& kernels, float y, std::uint8_t* dest);
   std::size_t lineExtent() const;
 
@@ -33,7 +33,7 @@ class ResoArea {
 
   bool prepareBoxes();
   void sumChunk(const ResoRing& ring, const ResoKernels& kernels, float y, const Chunk& chunk);
-  bool interleaved() const { return m_planes == 3 && (m_setup->open.colorOrder == 1 || m_setup->open.colorOrder == 3); }
+  void placeChunk(const Chunk& chunk, std::uint8_t* dest);
 
   const ChangeResoSetup* m_setup = nullptr;
   std::size_t m_cells = 0;  // cells of the widest box
@@ -42,10 +42,9 @@ class ResoArea {
   std::unique_ptr<std::int32_t[]> m_columns;  // first column of each box, from its chunk's leftmost one
   std::unique_ptr<float[]> m_widths;          // [cell][pixel]; 0 behind a box
   std::unique_ptr<float[]> m_span;            // [plane][column of the chunk]
-  std::unique_ptr<std::uint8_t[]> m_values;   // [plane][pixel] of a line that is packed or interleaved afterwards
+  std::unique_ptr<std::uint8_t[]> m_values;   // a line of one-bit values
   std::size_t m_spanLimit = 0;
-  ResoWholeArea m_whole;
-  bool m_isWhole = false;
+  std::uint8_t m_lastValue = 0;
   float m_total[kChunkPixels];
   float m_sums[3][kChunkPixels];
 };

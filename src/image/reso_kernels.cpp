@@ -1,7 +1,6 @@
 #include "image/reso_kernels.h"
 
 #include <algorithm>
-#include <cstring>
 
 // Built with full optimisation: the loops are written for the compiler to put into vector registers.
 #define QS_INLINE inline __attribute__((always_inline))
@@ -72,49 +71,6 @@ QS_INLINE void addCells(const std::int32_t* columns, const float* cellWidths, fl
   }
 }
 
-QS_INLINE void divide(const float* sums, const float* totals, std::size_t count, std::uint8_t* __restrict out) {
-  // What is behind the point is exact; a half added in single precision could round up to the next whole number.
-  for (std::size_t i = 0; i < count; ++i) {
-    const float quotient = sums[i] / totals[i];
-    const auto whole = static_cast<std::int32_t>(quotient);
-    out[i] = static_cast<std::uint8_t>(whole + (quotient - static_cast<float>(whole) >= 0.5F ? 1 : 0));
-  }
-}
-
-QS_INLINE void halve(const std::uint8_t* upper, const std::uint8_t* lower, std::size_t count,
-                     std::uint8_t* __restrict out) {
-  for (std::size_t i = 0; i < count; ++i) {
-    std::uint16_t a = 0;  // a pair, in whichever order
-    std::uint16_t b = 0;
-    std::memcpy(&a, upper + 2 * i, sizeof(a));
-    std::memcpy(&b, lower + 2 * i, sizeof(b));
-    const auto sum = static_cast<std::uint16_t>((a & 0xFF) + (a >> 8) + (b & 0xFF) + (b >> 8) + 2);
-    out[i] = static_cast<std::uint8_t>(sum >> 2);
-  }
-}
-
-QS_INLINE void splitTriples(const std::uint8_t* triples, std::size_t count, std::uint8_t* const planes[3]) {
-  std::uint8_t* __restrict const first = planes[0];
-  std::uint8_t* __restrict const second = planes[1];
-  std::uint8_t* __restrict const third = planes[2];
-  for (std::size_t i = 0; i < count; ++i) {
-    first[i] = triples[3 * i];
-    second[i] = triples[3 * i + 1];
-    third[i] = triples[3 * i + 2];
-  }
-}
-
-QS_INLINE void joinTriples(const std::uint8_t* const planes[3], std::size_t count, std::uint8_t* __restrict triples) {
-  const std::uint8_t* const first = planes[0];
-  const std::uint8_t* const second = planes[1];
-  const std::uint8_t* const third = planes[2];
-  for (std::size_t i = 0; i < count; ++i) {
-    triples[3 * i] = first[i];
-    triples[3 * i + 1] = second[i];
-    triples[3 * i + 2] = third[i];
-  }
-}
-
 // One set: the loops above, compiled for what `target` names.
 #define QS_KERNEL_SET(set, target)                                                                                     \
   target void mixRows_##set(const std::uint8_t* const rows[4], const std::int32_t weights[4], std::size_t count,       \
@@ -129,21 +85,7 @@ QS_INLINE void joinTriples(const std::uint8_t* const planes[3], std::size_t coun
                              std::size_t planes, const float* const rows[3], float* total, float* const sums[3]) {     \
     addCells(columns, cellWidths, rowHeight, count, planes, rows, total, sums);                                        \
   }                                                                                                                    \
-  target void divide_##set(const float* sums, const float* totals, std::size_t count, std::uint8_t* out) {             \
-    divide(sums, totals, count, out);                                                                                  \
-  }                                                                                                                    \
-  target void halve_##set(const std::uint8_t* upper, const std::uint8_t* lower, std::size_t count,                     \
-                          std::uint8_t* out) {                                                                         \
-    halve(upper, lower, count, out);                                                                                   \
-  }                                                                                                                    \
-  target void splitTriples_##set(const std::uint8_t* triples, std::size_t count, std::uint8_t* const planes[3]) {      \
-    splitTriples(triples, count, planes);                                                                              \
-  }                                                                                                                    \
-  target void joinTriples_##set(const std::uint8_t* const planes[3], std::size_t count, std::uint8_t* triples) {       \
-    joinTriples(planes, count, triples);                                                                               \
-  }                                                                                                                    \
-  constexpr ResoKernels kSet_##set = {#set,         mixRows_##set, mixColumns_##set,   addCells_##set,                 \
-                                      divide_##set, halve_##set,   splitTriples_##set, joinTriples_##set};
+  constexpr ResoKernels kSet_##set = {#set, mixRows_##set, mixColumns_##set, addCells_##set};
 
 QS_KERNEL_SET(baseline, )
 #if defined(__x86_64__)

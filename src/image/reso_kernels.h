@@ -23,16 +23,6 @@ struct ResoKernels {
   // offsets into the rows.
   void (*addCells)(const std::int32_t* columns, const float* cellWidths, float rowHeight, std::size_t count,
                    std::size_t planes, const float* const rows[3], float* total, float* const sums[3]);
-
-  // out[i] = sums[i] / totals[i] to the nearest, halves up. The quotients lie within 0..255.49.
-  void (*divide)(const float* sums, const float* totals, std::size_t count, std::uint8_t* out);
-
-  // out[i] = the mean of pair i of two rows, halves up.
-  void (*halve)(const std::uint8_t* upper, const std::uint8_t* lower, std::size_t count, std::uint8_t* out);
-
-  // count triples to three planes, and back.
-  void (*splitTriples)(const std::uint8_t* triples, std::size_t count, std::uint8_t* const planes[3]);
-  void (*joinTriples)(const std::uint8_t* const planes[3], std::size_t count, std::uint8_t* triples);
 };
 
 // The sets that this processor can run, the plainest first.
