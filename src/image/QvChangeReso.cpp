@@ -178,17 +178,16 @@ int CQvChangeReso::ChWriteExact(const CHRESO_WRITE& write, int* outLines) {
 bool CQvChangeReso::saveLine(const CHRESO_WRITE& write) {
   unsigned changed = 0;
   if (m_setup.is24Bit()) {
-    changed = m_ring.SetSaveImg24Bit(write.lineData, write.lineBytes, write.lineKind);
+    changed = m_ring.SetSaveImg24Bit(m_kernels, write.lineData, write.lineBytes, write.lineKind);
     if (changed == 0) return false;
   } else if (m_setup.is1Bit()) {
     changed = m_ring.SetSaveImg2Bit(write.lineData, write.lineBytes);
   } else {
     changed = m_ring.SetSaveImg8Bit(write.lineData, write.lineBytes);
   }
-  if (m_setup.path == ResoPath::kEnlarge) {
-    for (unsigned slot = 0; slot < ResoRing::kSlots; ++slot) {
-      if ((changed >> slot & 1U) != 0) m_cubic.refresh(m_ring, slot);
-    }
+  for (unsigned slot = 0; slot < ResoRing::kSlots; ++slot) {
+    if ((changed >> slot & 1U) == 0) continue;
+    m_setup.path == ResoPath::kEnlarge ? m_cubic.refresh(m_ring, slot) : m_area.refresh(m_ring, slot);
   }
   return true;
 }
