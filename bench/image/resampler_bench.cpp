@@ -17,12 +17,19 @@ constexpr Conversion kConversions[] = {
     {"color 150 to 600", kColor, 150, 600, 150, 600},
     {"color 200 to 300", kColor, 200, 300, 200, 300},
     {"color 600 to 300 across, 300 to 600 down", kColor, 600, 300, 300, 600},
+    {"color 600 to 300", kColor, 600, 300, 600, 300},
+    {"color 300 to 200", kColor, 300, 200, 300, 200},
+    {"color 400 to 300", kColor, 400, 300, 400, 300},
     {"grey 300 to 600", kGrey, 300, 600, 300, 600},
     {"grey 150 to 600", kGrey, 150, 600, 150, 600},
     {"grey 200 to 300", kGrey, 200, 300, 200, 300},
     {"grey 600 to 300 across, 300 to 600 down", kGrey, 600, 300, 300, 600},
+    {"grey 600 to 300", kGrey, 600, 300, 600, 300},
+    {"grey 300 to 200", kGrey, 300, 200, 300, 200},
+    {"grey 400 to 300", kGrey, 400, 300, 400, 300},
     {"one bit 300 to 600", kBits, 300, 600, 300, 600},
     {"one bit 200 to 300", kBits, 200, 300, 200, 300},
+    {"one bit 300 to 200", kBits, 300, 200, 300, 200},
 };
 
 // A strip, what the plain form makes of it, and its time.

@@ -18,7 +18,8 @@ constexpr Conversion kConversions[] = {
     {"cubic color 200 to 300", kColor, 200, 300, 200, 300}, {"cubic grey 300 to 600", kGrey, 300, 600, 300, 600},
     {"cubic grey 150 to 600", kGrey, 150, 600, 150, 600},   {"cubic grey 200 to 300", kGrey, 200, 300, 200, 300},
     {"area color 600 to 300", kColor, 600, 300, 600, 300},  {"area color 300 to 200", kColor, 300, 200, 300, 200},
-    {"area grey 600 to 300", kGrey, 600, 300, 600, 300},    {"area grey 300 to 200", kGrey, 300, 200, 300, 200},
+    {"area color 400 to 300", kColor, 400, 300, 400, 300},  {"area grey 600 to 300", kGrey, 600, 300, 600, 300},
+    {"area grey 300 to 200", kGrey, 300, 200, 300, 200},    {"area grey 400 to 300", kGrey, 400, 300, 400, 300},
 };
 
 // The strip as one matrix, and what cv::resize is asked for.

@@ -23,7 +23,12 @@ bool ResoArea::prepare(const ChangeResoSetup& setup) {
   m_planes = setup.is24Bit() ? 3 : 1;
   m_pixels = setup.outPixels;
   try {
-    prepareBoxes();
+    m_isWhole = m_whole.prepare(setup);
+    if (m_isWhole) {
+      m_wholePlanes.assign(m_planes * m_pixels, 0);
+    } else {
+      prepareBoxes();
+    }
   } catch (const std::bad_alloc&) {
     return false;
   }
@@ -60,6 +65,7 @@ void ResoArea::prepareBoxes() {
 }
 
 void ResoArea::refresh(const ResoRing& ring, unsigned slot) {
+  if (m_isWhole) return;
   const bool evenSteps = m_setup->rateXM == 1;
   for (unsigned plane = 0; plane < m_planes; ++plane) {
     const std::uint8_t* const source = ring.plane(slot, plane);
@@ -93,7 +99,24 @@ std::size_t ResoArea::lineExtent() const {
   return interleaved ? 3 * m_pixels : 2 * (m_setup->outLineBytes / 3) + m_pixels;
 }
 
+void ResoArea::writeWholeLine(const ResoRing& ring, const ResoKernels& kernels, float y, std::uint8_t* dest) {
+  const int order = m_setup->open.colorOrder;
+  const bool interleaved = m_planes == 3 && (order == 1 || order == 3);
+  const bool aside = m_setup->is1Bit() || interleaved;
+  const std::uint8_t* planes[3] = {};
+  for (unsigned plane = 0; plane < m_planes; ++plane) {
+    std::uint8_t* const out =
+        aside ? m_wholePlanes.data() + plane * m_pixels : dest + m_setup->outLineBytes / 3 * plane;
+    m_whole.writePlane(ring, kernels, y, plane, out);
+    planes[plane] = out;
+  }
+  if (m_setup->is1Bit()) packResoBits(planes[0], m_pixels, dest);
+  if (interleaved)
+    kernels.joinTriples(planes[order == 1 ? 0 : 2], planes[1], planes[order == 1 ? 2 : 0], m_pixels, dest);
+}
+
 void ResoArea::writeLine(const ResoRing& ring, const ResoKernels& kernels, float y, std::uint8_t* dest) {
+  if (m_isWhole) return writeWholeLine(ring, kernels, y, dest);
   const float end = static_cast<float>(m_setup->rateYN) / static_cast<float>(m_setup->rateYM) + y;
   const auto firstRow = static_cast<unsigned>(y);
   const auto lastRow = static_cast<unsigned>(std::ceil(end));

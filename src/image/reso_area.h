@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "image/change_reso_setup.h"
+#include "image/reso_area_whole.h"
 #include "image/reso_kernels.h"
 #include "image/reso_ring.h"
 
@@ -34,6 +35,7 @@ class ResoArea {
     return m_cellBytes.data() + ((slot * m_planes + plane) * m_cells + cell) * m_pixels;
   }
   void takeLastBoxes(const ResoRing& ring, unsigned slot);
+  void writeWholeLine(const ResoRing& ring, const ResoKernels& kernels, float y, std::uint8_t* dest);
   void place(const ResoKernels& kernels, std::size_t first, std::size_t count, std::uint8_t* dest);
 
   const ChangeResoSetup* m_setup = nullptr;
@@ -46,6 +48,9 @@ class ResoArea {
   std::vector<std::uint8_t> m_cellBytes;  // [slot][plane][cell][pixel]
   std::vector<std::uint8_t> m_values;     // a line of one-bit values
   std::uint8_t m_lastValue = 0;
+  ResoWholeArea m_whole;
+  bool m_isWhole = false;                   // it makes the means, and nothing here but m_wholePlanes is used
+  std::vector<std::uint8_t> m_wholePlanes;  // [plane][pixel]
   float m_total[kChunkPixels];
   float m_sums[3][kChunkPixels];
   std::uint8_t m_means[3][kChunkPixels];

@@ -1,6 +1,7 @@
 #include "image/reso_kernels.h"
 
 #include <algorithm>
+#include <cstring>
 
 // Built with full optimisation: the loops are written for the compiler to put into vector registers.
 #define QS_INLINE inline __attribute__((always_inline))
@@ -123,6 +124,18 @@ QS_INLINE void means(const float* sums, const float* total, std::size_t count, s
   }
 }
 
+QS_INLINE void halve(const std::uint8_t* upper, const std::uint8_t* lower, std::size_t count,
+                     std::uint8_t* __restrict out) {
+  for (std::size_t i = 0; i < count; ++i) {
+    std::uint16_t a = 0;  // a pair, in whichever order
+    std::uint16_t b = 0;
+    std::memcpy(&a, upper + 2 * i, sizeof(a));
+    std::memcpy(&b, lower + 2 * i, sizeof(b));
+    const auto sum = static_cast<std::uint16_t>((a & 0xFF) + (a >> 8) + (b & 0xFF) + (b >> 8) + 2);
+    out[i] = static_cast<std::uint8_t>(sum >> 2);
+  }
+}
+
 // One set: the loops above, compiled for what `target` names.
 #define QS_KERNEL_SET(set, target)                                                                                  \
   target void mixRows_##set(const std::uint8_t* const rows[4], const std::int32_t weights[4], std::size_t count,    \
@@ -152,6 +165,10 @@ QS_INLINE void means(const float* sums, const float* total, std::size_t count, s
   target void means_##set(const float* sums, const float* total, std::size_t count, std::uint8_t* out) {            \
     means(sums, total, count, out);                                                                                 \
   }                                                                                                                 \
+  target void halve_##set(const std::uint8_t* upper, const std::uint8_t* lower, std::size_t count,                  \
+                          std::uint8_t* out) {                                                                      \
+    halve(upper, lower, count, out);                                                                                \
+  }                                                                                                                 \
   constexpr ResoKernels kSet_##set = {#set,                                                                         \
                                       mixRows_##set,                                                                \
                                       mixColumns_##set,                                                             \
@@ -159,7 +176,8 @@ QS_INLINE void means(const float* sums, const float* total, std::size_t count, s
                                       addCells3_##set,                                                              \
                                       splitTriples_##set,                                                           \
                                       joinTriples_##set,                                                            \
-                                      means_##set};
+                                      means_##set,                                                                  \
+                                      halve_##set};
 
 QS_KERNEL_SET(baseline, )
 #if defined(__x86_64__)

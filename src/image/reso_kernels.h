@@ -40,6 +40,8 @@ struct ResoKernels {
                       std::size_t count, std::uint8_t* triples);
   // sum / total, halves up. Anything where the total is 0.
   void (*means)(const float* sums, const float* total, std::size_t count, std::uint8_t* out);
+  // out[i] = the mean of pair i of two rows, halves up.
+  void (*halve)(const std::uint8_t* upper, const std::uint8_t* lower, std::size_t count, std::uint8_t* out);
 };
 
 // The sets that this processor can run, the plainest first.

@@ -12,7 +12,7 @@ using reso_compare::Line;
 
 // Images of each kind; fewer where a sanitizer slows the run down.
 #ifndef QS_RESO_IMAGES
-#define QS_RESO_IMAGES 10000
+#define QS_RESO_IMAGES 7000
 #endif
 
 namespace {
