@@ -40,7 +40,21 @@ ByteString sspAnswer(std::uint32_t dpiX, std::uint32_t dpiY, std::uint32_t maxWi
                            tag(0x2003, u32(maxWidthPx) + u32(maxHeightPx)) + endTag());
 }
 
-MemoryDevice::MemoryDevice() {
+ByteString iAnswer(std::uint32_t dpiX, std::uint32_t dpiY, std::uint32_t maxWidthPx, std::uint32_t maxHeightPx) {
+  const ByteString body = text(std::to_string(dpiX) + "," + std::to_string(dpiY) + ",0,2159," +
+                               std::to_string(maxWidthPx) + ",2794," + std::to_string(maxHeightPx));
+  return ByteString{0} + u16(static_cast<std::uint32_t>(body.size())) + body;
+}
+
+MemoryDevice::MemoryDevice(int generation)
+    : startMnemonic_(generation == 1 ? "X" : "XSC"), abortMnemonic_(generation == 1 ? "R" : "ABT") {
+  if (generation == 1) {
+    abortAnswer_ = {0x83};
+    answer("Q", qAnswer(11));
+    answer("I", iAnswer(300, 300));
+    return;
+  }
+  abortAnswer_ = {0x00, 0x40};
   const ByteString dpi = u16(600) + u16(600);
   const ByteString size = u16(2159) + u16(3556);
   answer("Q", qAnswer());
@@ -187,13 +201,13 @@ int MemoryDevice::Write(const void* data, int size, int) {
   const std::string frame = bytes.size() < 2 ? std::string() : bytes.substr(1, bytes.size() - 2);
   const std::string mnemonic = frame.substr(0, frame.find('\n'));
   frames_.push_back(frame);
-  if (mnemonic == "XSC") {
+  if (mnemonic == startMnemonic_) {
     streaming_ = true;
     ++starts_;
     quietSeen_ = abortSeen_ = false;
     askedSizes_.clear();
     stream_.assign(script_.begin(), script_.end());
-  } else if (mnemonic == "ABT") {
+  } else if (mnemonic == abortMnemonic_) {
     abortSeen_ = true;
     if (refusesAborts_) return fail(kFailure);
     if (!abortAnswer_.empty()) stream_ = {MemoryDevice::data(abortAnswer_)};

@@ -1,8 +1,8 @@
-// A second-generation scanner played from memory, for whole scans through the core.
+// A scanner of either generation played from memory, for whole scans through the core.
 //
-// It answers each command with the bytes that the test gave for its mnemonic, and after XSC serves a stream that is a
-// list of parts: one part is what one read gets. Behind the last part it is silent. ABT drops the rest of the stream
-// and puts the answer 00 40 in its place. Every call is counted, and the n-th can be made to fail.
+// It answers each command with the bytes that the test gave for its mnemonic, and after XSC, or X, serves a stream that
+// is a list of parts: one part is what one read gets. Behind the last part it is silent. ABT, or R, drops the rest of
+// the stream and puts the answer 00 40, or 83, in its place. Every call is counted, and the n-th can be made to fail.
 // Threads: the script is set while no scan runs; the rest is thread-safe.
 #pragma once
 
@@ -36,6 +36,10 @@ ByteString qAnswer(std::uint8_t version = 0x10);
 ByteString sspAnswer(std::uint32_t dpiX, std::uint32_t dpiY, std::uint32_t maxWidthPx = 2550,
                      std::uint32_t maxHeightPx = 3300, std::uint8_t source = 2);
 
+// The answer to I: the resolution and the largest area in pixels; the source is the bed.
+ByteString iAnswer(std::uint32_t dpiX, std::uint32_t dpiY, std::uint32_t maxWidthPx = 2550,
+                   std::uint32_t maxHeightPx = 3300);
+
 class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
  public:
   static constexpr std::uint32_t kTimeOut = 0x40500031;
@@ -56,8 +60,8 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   // A read that fails because the device has gone.
   static Part gone(std::uint32_t lastResult = kFailure) { return {Part::Gone, {}, 1, lastResult}; }
 
-  // A device with bed and feeder, 300 dpi, that answers Q, QDI and SSP.
-  MemoryDevice();
+  // A device with bed and feeder, 300 dpi, that answers Q, QDI and SSP, or Q and I.
+  explicit MemoryDevice(int generation = 2);
 
   // The script.
   void answer(const std::string& mnemonic, ByteString bytes) { answers_[mnemonic] = std::move(bytes); }
@@ -68,7 +72,7 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   void blockInSilence(int waitMs) { silenceMs_ = waitMs; }
   // The n-th counted call (Open, Read, Write, from 1) fails, and the device is gone afterwards if isGone. 0: none.
   void failCall(int n, bool isGone = false);
-  // Writing ABT fails, with the frame noted.
+  // Writing the abort fails, with the frame noted.
   void refuseAborts(bool refuse);
   void refuseToOpen(bool refuse) { refusesToOpen_ = refuse; }
 
@@ -86,7 +90,7 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   // Waits until a read of the stream that was given last has found nothing; false after ten seconds.
   bool waitUntilQuiet();
   bool isQuiet() const;     // the same, asked
-  bool wroteAbort() const;  // ABT came since XSC
+  bool wroteAbort() const;  // the abort came since the start
   bool waitForMnemonic(const std::string& mnemonic);
   void forgetCalls();
 
@@ -105,8 +109,10 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   int give(void* buffer, unsigned int size, ByteString& bytes);
   int readStream(void* buffer, unsigned int size, std::unique_lock<std::mutex>& lock);
 
+  const std::string startMnemonic_;
+  const std::string abortMnemonic_;
   std::map<std::string, ByteString> answers_;
-  ByteString abortAnswer_{0x00, 0x40};
+  ByteString abortAnswer_;
   int silenceMs_ = -1;
   bool refusesToOpen_ = false;
 
@@ -115,7 +121,7 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   // Guarded by mutex_.
   bool open_ = false;
   bool streaming_ = false;
-  int starts_ = 0;        // XSC commands
+  int starts_ = 0;        // start commands
   int awaitedStart_ = 1;  // the one that serves the stream that was given last
   bool quietSeen_ = false;
   bool abortSeen_ = false;

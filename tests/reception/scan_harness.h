@@ -65,7 +65,7 @@ struct Outcome {
 
 class ScanHarness {
  public:
-  ScanHarness() {
+  explicit ScanHarness(SCANCMD_GENERATION generation = SCANCMD_GENERATION_2ND) : device(generation) {
     keepModulesLoaded();
     connect();
   }
