@@ -2,25 +2,13 @@
 // after an abort, and the next scan runs. Each stream is told by its seed.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstdlib>
-#include <ctime>
 #include <random>
 
+#include "tests/fakes/moved_clock.h"
 #include "tests/modules/jpeg_pictures.h"
 #include "tests/reception/scan_harness.h"
 #include "tests/reception/scan_pictures.h"
-
-// A stream that swallows the answer to the abort is given up after ten seconds of processor time; here they pass at
-// once, when the test says so.
-extern "C" {
-std::clock_t __real_clock();
-std::clock_t __wrap_clock();
-}
-namespace {
-std::atomic<std::clock_t> clockAdvance{0};
-}
-std::clock_t __wrap_clock() { return __real_clock() + clockAdvance; }
 
 namespace reception_test {
 namespace {
@@ -169,7 +157,7 @@ TEST_P(RandomStreams, EndInBoundedTime) {
         // Nothing more will come: what is left to the caller is to abort, or to leave.
         if (walksAway) break;
         harness.core.AbortScanning();
-        if (harness.device.wroteAbort()) clockAdvance += 10000001;
+        if (harness.device.wroteAbort()) fakes::clockAdvance += fakes::kAbortLimitPassed;
       }
       std::this_thread::sleep_for(100us);
     }

@@ -1,8 +1,12 @@
 // What both generations can say of a page, in the words of each, so that one test holds for both.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <ostream>
 #include <string>
 
+#include "include/scan_types.h"
 #include "tests/reception/scan_pictures.h"
 #include "tests/reception/stream_records_v1.h"
 
@@ -54,8 +58,12 @@ class Dialect {
   ByteString allPagesEnd() const { return isFirst() ? v1::allPagesEnd() : reception_test::allPagesEnd(); }
   // The scan was stopped at the device.
   ByteString stoppedByKey() const { return isFirst() ? v1::status(0x86) : reception_test::stoppedByKey(); }
-  // A paper jam.
-  ByteString jam() const { return isFirst() ? v1::status(0xC3) : deviceError(0x91); }
+  // Errors of the device, which reach the caller as 0x50000001 and 0x50000002.
+  ByteString deviceError(std::uint8_t code) const {
+    return isFirst() ? v1::status(code) : reception_test::deviceError(code);
+  }
+  ByteString feederEmpty() const { return deviceError(isFirst() ? 0xC2 : 0x90); }
+  ByteString jam() const { return deviceError(isFirst() ? 0xC3 : 0x91); }
 
  private:
   static std::uint8_t header(int bits) { return bits == 24 ? v1::kColor : bits == 8 ? v1::kGray : v1::kMono; }

@@ -1,21 +1,10 @@
 // What the read thread and the second-generation reader write into the log, and at which level.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <ctime>
-
+#include "tests/fakes/moved_clock.h"
 #include "tests/foundation/expect_log.h"
 #include "tests/reception/scan_harness.h"
 #include "tests/reception/scan_pictures.h"
-
-extern "C" {
-std::clock_t __real_clock();
-std::clock_t __wrap_clock();
-}
-namespace {
-std::atomic<std::clock_t> clockAdvance{0};
-}
-std::clock_t __wrap_clock() { return __real_clock() + clockAdvance; }
 
 namespace reception_test {
 namespace {
@@ -142,7 +131,7 @@ TEST(LogTexts, OfAnAbort) {
     harness.start(kSettings);
     harness.core.AbortScanning();
     harness.device.waitForMnemonic("ABT");
-    while (harness.core.GetScanStatus() == RECEIVING) clockAdvance += 10000001;
+    while (harness.core.GetScanStatus() == RECEIVING) fakes::clockAdvance += fakes::kAbortLimitPassed;
   });
   expectAtLevel(unanswered, 1, "Abort Time out occured");
 
