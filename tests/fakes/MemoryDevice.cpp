@@ -9,10 +9,12 @@ namespace fakes {
 
 using namespace std::chrono_literals;
 
-ByteString operator+(ByteString left, const ByteString& right) {
+ByteString& operator+=(ByteString& left, const ByteString& right) {
   left.insert(left.end(), right.begin(), right.end());
   return left;
 }
+
+ByteString operator+(ByteString left, const ByteString& right) { return std::move(left += right); }
 
 ByteString u16(std::uint32_t value) {
   return {static_cast<std::uint8_t>(value), static_cast<std::uint8_t>(value >> 8)};
@@ -235,6 +237,9 @@ int MemoryDevice::Read(void* buffer, unsigned int size, unsigned int, long timeO
 
 int MemoryDevice::readStream(void* buffer, unsigned int size, std::unique_lock<std::mutex>& lock) {
   if (askedSizes_.size() < 1000) askedSizes_.push_back(size);
+  if (!stream_.empty() && stream_.front().kind == Part::Made) {
+    if (ByteString bytes = stream_.front().make(); !bytes.empty()) stream_.push_front(data(std::move(bytes)));
+  }
   const Part::Kind kind = stream_.empty() ? Part::QuietForEver : stream_.front().kind;
   if (kind == Part::Data) {
     ByteString& bytes = stream_.front().bytes;

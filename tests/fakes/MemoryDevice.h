@@ -8,6 +8,7 @@
 
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
@@ -20,6 +21,7 @@ namespace fakes {
 
 using ByteString = std::vector<std::uint8_t>;
 
+ByteString& operator+=(ByteString& left, const ByteString& right);
 ByteString operator+(ByteString left, const ByteString& right);
 ByteString u16(std::uint32_t value);
 ByteString u32(std::uint32_t value);
@@ -46,15 +48,19 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   static constexpr std::uint32_t kFailure = 0x40500099;
 
   struct Part {
-    enum Kind { Data, Quiet, QuietForEver, TimeOut, Failure, Gone } kind = Data;
+    enum Kind { Data, Quiet, QuietForEver, TimeOut, Failure, Gone, Made } kind = Data;
     ByteString bytes{};                   // Data
     int reads = 1;                        // Quiet: so many reads find nothing
     std::uint32_t lastResult = kFailure;  // Failure and Gone
+    std::function<ByteString()> make{};   // Made
   };
   static Part data(ByteString bytes) { return {Part::Data, std::move(bytes)}; }
   static Part quiet(int reads = 1) { return {Part::Quiet, {}, reads}; }
   static Part quietForEver() { return {Part::QuietForEver}; }
   static Part timeOut() { return {Part::TimeOut}; }
+  // Data that is made when it is read, for a stream too long to be held; nothing made is a read that finds nothing.
+  // make runs on the thread that reads. The last part of a script.
+  static Part made(std::function<ByteString()> make) { return {Part::Made, {}, 1, kFailure, std::move(make)}; }
   // A read that fails and leaves the device open.
   static Part failure(std::uint32_t lastResult) { return {Part::Failure, {}, 1, lastResult}; }
   // A read that fails because the device has gone.

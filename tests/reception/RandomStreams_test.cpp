@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 // QS_SEEDS in the environment asks for more.
 unsigned seedCount() {
   const char* wanted = std::getenv("QS_SEEDS");
-  return wanted != nullptr ? static_cast<unsigned>(std::atoi(wanted)) : 400;
+  return wanted != nullptr ? static_cast<unsigned>(std::atoi(wanted)) : 2000;
 }
 
 class StreamMaker {

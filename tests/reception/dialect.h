@@ -43,12 +43,12 @@ class Dialect {
   }
   ByteString rawLines(const Picture& picture, unsigned pageNo = 1) const {
     ByteString records;
-    for (const ByteString& bytes : picture.lines) records = records + rawLine(picture.bits, pageNo, bytes);
+    for (const ByteString& bytes : picture.lines) records += rawLine(picture.bits, pageNo, bytes);
     return records;
   }
   ByteString packedLines(const Picture& picture, unsigned pageNo = 1) const {
     ByteString records;
-    for (const ByteString& bytes : picture.lines) records = records + packedLine(picture.bits, pageNo, bytes);
+    for (const ByteString& bytes : picture.lines) records += packedLine(picture.bits, pageNo, bytes);
     return records;
   }
 
