@@ -108,6 +108,22 @@ TEST_P(Cancel, ReadingInsteadOfPollingGivesTheCancellation) {
   EXPECT_EQ(harness.read().result, 0x1010000Du) << "the scan is over";
 }
 
+// Whoever reads without polling gets the page in hand without its data, and the cancellation at the next poll.
+TEST_P(Cancel, ThePageInHandIsHandedOutEmptyToACallerWhoDoesNotPoll) {
+  ScanHarness harness(dialect().generation());
+  harness.device.stream({MemoryDevice::data(page(dialect(), 1) + startOf(dialect(), 2)), MemoryDevice::quietForEver()});
+  ASSERT_EQ(harness.start(kSettings), 0u);
+  EXPECT_EQ(harness.read().bytes, pageBytes(1));
+  ASSERT_TRUE(harness.device.waitUntilQuiet());
+  harness.core.AbortScanning();
+  const Delivery inHand = harness.read();
+  EXPECT_EQ(inHand.result, 0u);
+  EXPECT_EQ(inHand.pageNo, 2);
+  EXPECT_EQ(inHand.record.data, nullptr);
+  EXPECT_EQ(harness.core.GetScanStatus(), XFERCANCELED);
+  expectNextScanRuns(harness, dialect(), "read while it is cancelled");
+}
+
 TEST_P(Cancel, AnAbortThatTheDeviceDoesNotAnswerEndsAfterTenSecondsOfProcessorTime) {
   ScanHarness harness(dialect().generation());
   harness.device.abortAnswer({});

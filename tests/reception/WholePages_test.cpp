@@ -226,6 +226,24 @@ TEST(WholePagesOfTheFirst, LinesOfTheRoundedWidthAreCutToTheOneAskedFor) {
   }
 }
 
+TEST(WholePagesOfTheFirst, AJpegOfTheRoundedWidthIsCutToTheOneAskedFor) {
+  for (const int parts : {3, 1}) {
+    const auto jpeg = module_test::encodeJpeg(module_test::drawPicture(32, 16, parts));
+    module_test::Pixels decoded;
+    ASSERT_TRUE(module_test::decodeWithLibjpeg(jpeg, decoded));
+    Picture kept{21, 16, parts * 8, {}};
+    for (std::size_t y = 0; y < 16; ++y) {
+      const auto start = decoded.bytes.begin() + static_cast<std::ptrdiff_t>(y * decoded.lineBytes());
+      kept.lines.emplace_back(start, start + 21 * parts);
+    }
+    ScanHarness harness(SCANCMD_GENERATION_1ST);
+    const Outcome outcome = harness.scan(settingsFor(21, 16, parts * 8),
+                                         v1::line(v1::kJpeg, 1, jpeg) + v1::pageEnd(1, 16) + v1::allPagesEnd());
+    expectEnded(outcome, 1, std::to_string(parts));
+    EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(kept)) << parts;
+  }
+}
+
 TEST(WholePagesOfTheFirst, LinesBeyondTheHeightAskedForAreKept) {
   const Picture picture = drawPicture(8, 9, 24);
   ScanHarness harness(SCANCMD_GENERATION_1ST);
