@@ -1,9 +1,10 @@
-// The second-generation reader without its thread: the test takes the thread's place.
+// The reader of either generation without its thread: the test takes the thread's place.
 #pragma once
 
 #include <algorithm>
 #include <memory>
 
+#include "reception/ReadThread_v1.h"
 #include "reception/ReadThread_v2.h"
 #include "tests/fakes/FakeCompanions.h"
 #include "tests/reception/scan_harness.h"
@@ -13,9 +14,10 @@ namespace reception_test {
 
 using fakes::MemoryDevice;
 
-class OpenReader final : public CReadThread_v2 {
+template <class Reader>
+class OpenReaderOf final : public Reader {
  public:
-  ~OpenReader() override { End(); }
+  ~OpenReaderOf() override { this->End(); }
 
   using CReadThread_base::GetCountOfNotXferedImageData;
   using CReadThread_base::m_capability;
@@ -26,27 +28,45 @@ class OpenReader final : public CReadThread_v2 {
   using CReadThread_base::m_userParam;
   using CReadThread_base::pageAt;
   using CReadThread_base::pageCount;
-  using CReadThread_v2::DispatchReceivedData;
-  using CReadThread_v2::StartScan;
+  using Reader::DispatchReceivedData;
+  using Reader::StartScan;
 };
 
-struct Bench {
+struct FirstGeneration {
+  using Reader = CReadThread_v1;
+  static constexpr SCANCMD_GENERATION kGeneration = SCANCMD_GENERATION_1ST;
+  // Resolution, source, and the largest size: across in tenths of a millimetre and pixels, then down.
+  static ByteString actual(unsigned dpiX, unsigned dpiY, unsigned maxWidthPx, unsigned maxHeightPx) {
+    return fakes::text(std::to_string(dpiX) + "," + std::to_string(dpiY) + ",0,2159," + std::to_string(maxWidthPx) +
+                       ",2794," + std::to_string(maxHeightPx));
+  }
+};
+struct SecondGeneration {
+  using Reader = CReadThread_v2;
+  static constexpr SCANCMD_GENERATION kGeneration = SCANCMD_GENERATION_2ND;
+  static ByteString actual(unsigned dpiX, unsigned dpiY, unsigned maxWidthPx, unsigned maxHeightPx) {
+    return fakes::tag(0x2001, {2, 0}) + fakes::tag(0x2002, u16(dpiX) + u16(dpiY)) +
+           fakes::tag(0x2003, u32(maxWidthPx) + u32(maxHeightPx)) + fakes::endTag();
+  }
+};
+
+template <class Generation>
+struct BenchOf {
   fakes::CallList calls;
   fakes::FakeScanCommand command{calls};
   MemoryDevice device;
   CScanError error;
-  ByteString actual = fakes::tag(0x2001, {2, 0}) + fakes::tag(0x2002, u16(300) + u16(300)) +
-                      fakes::tag(0x2003, u32(2550) + u32(3300)) + fakes::endTag();
+  ByteString actual = Generation::actual(300, 300, 2550, 3300);
   ByteString profiles;
-  OpenReader reader;
+  OpenReaderOf<typename Generation::Reader> reader;
   ByteString escaped;
   QSRSLT result = 0;
 
-  explicit Bench(const QS_SCANNER_PARAMETERS& settings = settingsFor(8, 4, 24)) {
+  explicit BenchOf(const QS_SCANNER_PARAMETERS& settings = settingsFor(8, 4, 24)) {
     _DEV_IDENTIFIER id{0, 1, "memory"};
     device.Open(id);
     reader.m_userParam = settings;
-    reader.m_capability.generation = SCANCMD_GENERATION_2ND;
+    reader.m_capability.generation = Generation::kGeneration;
     reader.m_pDevAcs = &device;
     reader.m_pScanCmd = &command;
     reader.m_pScanError = &error;
