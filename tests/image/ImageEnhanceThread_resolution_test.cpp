@@ -5,9 +5,9 @@
 #include <string>
 
 #include "image/ImageEnhanceThread.h"
-#include "image/QvChangeReso.h"
 #include "tests/fakes/fake_image_enhance.h"
 #include "tests/fakes/test_bmp.h"
+#include "tests/image/raised_lines.h"
 #include "tests/image/stage_run.h"
 
 using namespace orvalle_scan_api;
@@ -143,49 +143,15 @@ TEST(ChangeOfResolution, IsTheResamplersLinesOneAfterTheOtherAndItsFlushBehindTh
         SCOPED_TRACE(std::to_string(color) + " to " + std::to_string(wish.x) + " by " + std::to_string(wish.y));
         constexpr int kHeight = 17;
         const int bpp = bitsOfColorType(color);
-        const std::size_t lineBytes = fakes::lineBytesOf(width, bpp);
-        ByteVector pixels = fakes::countingPixels(width, kHeight, bpp);
+        const ByteVector pixels = fakes::countingPixels(width, kHeight, bpp);
         RaisedPage raised({300, 300}, wish);
         raised.decoded(width, kHeight, color, pixels);
         ASSERT_EQ(raised.run(), 0u);
 
-        CQvChangeReso reso;
-        CHRESO_OPEN open{};
-        open.inResoX = open.inResoY = 300;
-        open.outResoX = static_cast<int>(wish.x);
-        open.outResoY = static_cast<int>(wish.y);
-        open.formatFlags = bpp == 1 ? 0x101 : bpp == 8 ? 0x208 : 0x420;
-        open.inLinePixels = static_cast<unsigned long>(width);
-        open.colorOrder = 3;
-        ASSERT_TRUE(reso.ChangeResoInit(&open));
-        ASSERT_EQ(reso.ChangeResoWriteStart(), 1);
-        ByteVector buffer(open.writeBufferSize + 64);
-        CHRESO_WRITE write{static_cast<int>(open.formatFlags), nullptr, lineBytes, buffer.data(), buffer.size(), false};
-        const std::size_t outBytes = fakes::lineBytesOf(static_cast<int>(open.outPixels), bpp);
-        ByteVector expected;
-        const auto take = [&](int bytes, int lines) {
-          for (int line = 0; line < lines; ++line) {
-            const auto from = buffer.begin() + bytes / lines * line;
-            expected.insert(expected.end(), from, from + static_cast<std::ptrdiff_t>(outBytes));
-          }
-        };
-        int height = 0;
-        for (int y = 0; y < kHeight; ++y) {
-          write.lineData = pixels.data() + static_cast<std::size_t>(y) * lineBytes;
-          int lines = 0;
-          const int bytes = reso.ChangeResoWrite(&write, &lines);
-          if (bytes > 0) take(bytes, lines);
-          height += bytes > 0 ? lines : 0;
-        }
-        int lines = 0;
-        const int bytes = reso.ChangeResoWriteEnd(&write, &lines);
-        if (bytes > 0) expected.insert(expected.end(), buffer.begin(), buffer.begin() + bytes);
-        height = bytes > 0 ? height + lines : kHeight * static_cast<int>(wish.y) / 300;
-        expected.resize(outBytes * static_cast<std::size_t>(height), 0xFF);
-
-        EXPECT_EQ(raised.page.m_finalData.GetWidthPixel(), static_cast<int>(open.outPixels));
-        EXPECT_EQ(raised.page.m_finalData.GetHeightPixel(), height);
-        EXPECT_EQ(raised.finalPixels(), expected);
+        const fakes::RaisedLines expected = fakes::raiseLines(width, bpp, pixels, {300, 300}, wish);
+        EXPECT_EQ(raised.page.m_finalData.GetWidthPixel(), expected.width);
+        EXPECT_EQ(raised.page.m_finalData.GetHeightPixel(), expected.height);
+        EXPECT_EQ(raised.finalPixels(), expected.pixels);
       }
     }
   }

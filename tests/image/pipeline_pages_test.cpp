@@ -4,9 +4,8 @@
 
 #include <string>
 
-#include "tests/image/drawn_page.h"
 #include "tests/image/pipeline_run.h"
-#include "tests/modules/jpeg_pictures.h"
+#include "tests/image/sent_page.h"
 
 using namespace orvalle_scan_api;
 using namespace fakes;
@@ -15,59 +14,6 @@ namespace {
 
 constexpr int kWidth = 45;  // no multiple of eight
 constexpr int kHeight = 21;
-constexpr int kRaw = 2;
-constexpr int kPacked = 3;
-constexpr int kJpeg = 5;
-
-void startLines(CImageData& page, int width, COLORTYPE color, int kind, int code) {
-  page.m_pCurrentStore = &page.m_rawData;
-  page.m_rawData.StartWriteData(300, 300, width, 0, color, static_cast<unsigned>(kind), static_cast<unsigned>(code));
-}
-
-// All lines of the drawing as records of one kind and code, under the store's label of the same.
-void sendLines(CImageData& page, const DrawnPage& drawn, COLORTYPE color, int kind, int code) {
-  startLines(page, drawn.width, color, kind, code);
-  for (int y = 0; y < drawn.height; ++y) {
-    writeRecord(page.m_rawData, kind, code, lineOf(drawn, y, kind == 6 ? "bgr" : "rgb"));
-  }
-  page.m_rawData.FinishWriteData(false, 0);
-}
-
-void sendPlanes(CImageData& page, const DrawnPage& drawn, int code) {
-  startLines(page, drawn.width, COLORTYPE_COLOR24BIT, 2, code);
-  for (int y = 0; y < drawn.height; ++y) {
-    writeRecord(page.m_rawData, 2, code, lineOf(drawn, y, "r"));
-    writeRecord(page.m_rawData, 3, code, lineOf(drawn, y, "g"));
-    writeRecord(page.m_rawData, 4, code, lineOf(drawn, y, "b"));
-  }
-  page.m_rawData.FinishWriteData(false, 0);
-}
-
-void sendJpeg(CImageData& page, const ByteVector& jpeg, int width, int height) {
-  page.m_pCurrentStore = &page.m_jpegData;
-  page.m_jpegData.StartWriteData(300, 300, width, height, COLORTYPE_COLOR24BIT, 5, kJpeg);
-  page.m_jpegData.WriteJpegBlock(jpeg.data(), static_cast<unsigned>(jpeg.size()));
-  page.m_jpegData.FinishWriteData(false, height);
-}
-
-ByteVector jpegOf(const DrawnPage& drawn) {
-  module_test::Pixels picture{drawn.width, drawn.height, drawn.bpp == 8 ? 1 : 3, {}};
-  for (int y = 0; y < drawn.height; ++y) {
-    const ByteVector line = lineOf(drawn, y);
-    picture.bytes.insert(picture.bytes.end(), line.begin(), line.end());
-  }
-  return module_test::encodeJpeg(picture);
-}
-
-// What the library of the format itself makes of the picture.
-DrawnPage decoded(const ByteVector& jpeg) {
-  module_test::Pixels picture;
-  EXPECT_TRUE(module_test::decodeWithLibjpeg(jpeg, picture));
-  DrawnPage page{picture.widthPx, picture.heightPx, picture.parts == 1 ? 8 : 24, {}};
-  for (const std::uint8_t value : picture.bytes) page.rgb.insert(page.rgb.end(), picture.parts == 1 ? 3 : 1, value);
-  return page;
-}
-
 DrawnPage meanOf(DrawnPage page) {
   for (std::size_t i = 0; i < page.rgb.size(); i += 3) {
     const int mean = (page.rgb[i] + page.rgb[i + 1] + page.rgb[i + 2]) / 3;
