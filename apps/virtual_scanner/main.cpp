@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdio>
 #include <iostream>
+#include <map>
 
 #include "net/server.h"
 #include "support/failure.h"
@@ -27,6 +28,7 @@ struct Options {
   bool reloads = false;
   std::string lines = "packbits";
   std::string whiteLines = "mono";
+  ColorLines colorLines = ColorLines::Rgb;
   std::vector<std::string> faults;
   std::size_t dripBytes = 0;
   unsigned dripMs = 0;
@@ -57,6 +59,10 @@ void declareOptions(CLI::App& app, Options& options) {
   app.add_option("--lines", options.lines, "How lines go out where run-length coding is asked for")
       ->check(CLI::IsMember({"packbits", "raw"}))
       ->capture_default_str();
+  app.add_option("--color-lines", options.colorLines, "The order of uncompressed colour in the first generation")
+      ->transform(CLI::CheckedTransformer(std::map<std::string, ColorLines>{
+          {"rgb", ColorLines::Rgb}, {"bgr", ColorLines::Bgr}, {"planes", ColorLines::Planes}}))
+      ->default_str("rgb");
   app.add_option("--white-lines", options.whiteLines, "Which pages send white lines as records without data")
       ->check(CLI::IsMember({"none", "mono", "all"}))
       ->capture_default_str();
@@ -86,12 +92,14 @@ Device makeDevice(const Options& options, Log& log) {
   for (const auto& path : options.moreSheets) addFaces(path, log, stack);
   std::vector<Face> bed;
   if (!options.bed.empty()) addFaces(options.bed, log, bed);
-  if (!stack.empty() && !profile.hasFeeder())
+  if (!stack.empty() && !profile.abilities().hasFeeder)
     throw Failure("profile " + profile.name + " has no feeder for sheets; use --bed");
-  if (!bed.empty() && !profile.hasFlatbed()) throw Failure("profile " + profile.name + " has no bed for a sheet");
+  if (!bed.empty() && !profile.abilities().hasFlatbed)
+    throw Failure("profile " + profile.name + " has no bed for a sheet");
 
   DeviceOptions device;
   device.page.rawLines = options.lines == "raw";
+  device.page.colorLines = options.colorLines;
   device.whiteLinesInMono = options.whiteLines != "none";
   device.whiteLinesInGrey = options.whiteLines == "all";
   for (const std::string& fault : options.faults) device.faults.push_back(parseFault(fault));

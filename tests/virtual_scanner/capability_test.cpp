@@ -69,11 +69,11 @@ const Bytes kOfficeBody = {
 };
 
 TEST(Capability, TheOfficeProfileSaysWhatIsSpelledHere) {
-  EXPECT_EQ(loadProfile(QS_OFFICE_PROFILE).capability.body(), kOfficeBody);
+  EXPECT_EQ(loadProfile(QS_PROFILES "/office.json").capability.body(), kOfficeBody);
 }
 
 TEST(Capability, AFieldGoesOutLowestByteFirstInItsPlace) {
-  Capability capability;
+  Capability capability(Generation::Second);
   const Bytes before = capability.body();
   capability.set("marginSize", 1, -2);
   const Bytes after = capability.body();
@@ -107,7 +107,7 @@ TEST(Capability, EachValueHasToFitItsPlace) {
       {"noSuchField", 0, 0, false},
   };
   for (const auto& row : rows) {
-    Capability capability;
+    Capability capability(Generation::Second);
     if (row.fits) {
       EXPECT_NO_THROW(capability.set(row.key, row.place, row.value)) << row.key;
       EXPECT_EQ(capability.at(row.key, row.place), row.value) << row.key;
@@ -118,7 +118,7 @@ TEST(Capability, EachValueHasToFitItsPlace) {
 }
 
 TEST(Capability, AModelNameMayHave128Bytes) {
-  Capability capability;
+  Capability capability(Generation::Second);
   EXPECT_NO_THROW(capability.setModelName(std::string(128, 'x')));
   EXPECT_THROW(capability.setModelName(std::string(129, 'x')), Failure);
 }

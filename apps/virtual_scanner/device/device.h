@@ -29,4 +29,9 @@ struct Device {
   DeviceOptions options;
 };
 
+// The face that a scan of that path would meet next; without a file when there is none.
+inline Face nextFace(const Device& device, Path path) {
+  return path == Path::Flatbed ? device.bed : device.feeder.top();
+}
+
 }  // namespace vscan

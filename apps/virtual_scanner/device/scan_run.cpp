@@ -4,9 +4,8 @@
 #include <cstdio>
 #include <limits>
 
-#include "protocol/answers.h"
+#include "protocol/gen1_commands.h"
 #include "protocol/gen2_commands.h"
-#include "protocol/stream_records.h"
 #include "support/failure.h"
 
 namespace vscan {
@@ -23,13 +22,18 @@ std::string hexCode(std::uint8_t code) {
 }  // namespace
 
 ScanRun::ScanRun(Device& device, Connection& connection, Log& log, const GrantedScan& scan, const StartSettings& start)
-    : device_(device), connection_(connection), log_(log), scan_(scan), start_(start) {}
+    : device_(device),
+      connection_(connection),
+      log_(log),
+      scan_(scan),
+      start_(start),
+      stream_(streamOf(device.profile.generation())) {}
 
 void ScanRun::run() {
   planPages();
   const bool isFed = scan_.path != Path::Flatbed;
   if (plans_.empty()) {
-    fail(gen2::kFeederEmpty, isFed ? "the feeder is empty" : "nothing lies on the bed and the feeder is empty");
+    fail(DeviceError::FeederEmpty, isFed ? "the feeder is empty" : "nothing lies on the bed and the feeder is empty");
     return;
   }
   const auto began = Connection::Clock::now();
@@ -47,7 +51,7 @@ void ScanRun::run() {
 void ScanRun::planPages() {
   if (scan_.path == Path::Flatbed) {
     // Asked for by name, the bed is scanned also when nothing lies on it.
-    if (device_.bed.file || scan_.settings.source == PaperSource::Flatbed || !device_.profile.hasFeeder()) {
+    if (device_.bed.file || scan_.settings.source == PaperSource::Flatbed || !device_.profile.abilities().hasFeeder) {
       plans_.push_back({{device_.bed, {}}, 0});
     }
     return;
@@ -58,7 +62,7 @@ void ScanRun::planPages() {
     if (sides != Sides::BackOnly) plans_.push_back({{sheets_[i].front, {}}, i});
     if (sides != Sides::Front) plans_.push_back({{sheets_[i].back, sheets_[i].front}, i});
   }
-  plans_.resize(std::min<std::size_t>(plans_.size(), std::numeric_limits<std::uint16_t>::max()));
+  plans_.resize(std::min<std::size_t>(plans_.size(), std::numeric_limits<std::int16_t>::max()));
 }
 
 std::future<Page> ScanRun::startMaking(std::size_t index) const {
@@ -75,15 +79,15 @@ ScanRun::Outcome ScanRun::sendPages() {
     try {
       page = upcoming.get();
     } catch (const Failure& failure) {
-      return fail(gen2::kInternalFault, failure.what());
+      return fail(DeviceError::InternalFault, failure.what());
     } catch (const std::bad_alloc&) {
-      return fail(gen2::kInternalFault, "there is not enough memory for the page");
+      return fail(DeviceError::InternalFault, "there is not enough memory for the page");
     }
     upcoming = startMaking(currentPlan_ + 1);
     const Outcome outcome = sendPage(static_cast<std::uint16_t>(currentPlan_ + 1), page);
     if (outcome != Outcome::Going) return outcome;
   }
-  return endWith(gen2::allPagesEnd(), Outcome::Finished);
+  return endWith(stream_.allPagesEnd(), Outcome::Finished);
 }
 
 ScanRun::Outcome ScanRun::sendPage(std::uint16_t number, const Page& page) {
@@ -95,27 +99,24 @@ ScanRun::Outcome ScanRun::sendPage(std::uint16_t number, const Page& page) {
   const bool whiteLines = page.color == PageColor::Mono
                               ? device_.options.whiteLinesInMono
                               : page.color == PageColor::Grey && device_.options.whiteLinesInGrey;
-  gen2::PageRecords records(number, page, whiteLines);
+  const auto records = stream_.cut(number, page, whiteLines);
   Bytes record;
   int linesBefore = 0;
-  while (records.next(record)) {
-    const Outcome outcome = sendRecord(record, linesBefore, records.linesDone());
+  while (records->next(record)) {
+    const Outcome outcome = sendRecord(record, linesBefore, records->linesDone());
     if (outcome != Outcome::Going) return outcome;
-    linesBefore = records.linesDone();
+    linesBefore = records->linesDone();
     record.clear();
   }
-  // The size closes the page rather than opens it: a host that reads it first would take the page's form from it,
-  // which it does not tell, and a height that stands before the lines would count against them. A page that is found
-  // blank sends it as the record that names the page, without which its end would count for nothing.
-  if (page.tellsSize || page.isBlank) {
-    const Bytes size =
-        gen2::pageSize(number, static_cast<std::uint32_t>(page.widthPx), static_cast<std::uint32_t>(page.heightPx));
-    const Outcome outcome = sendRecord(size, linesBefore, linesBefore);
+  const Bytes findings = stream_.findings(number, page);
+  if (!findings.empty()) {
+    const Outcome outcome = sendRecord(findings, linesBefore, linesBefore);
     if (outcome != Outcome::Going) return outcome;
   }
   if (fault_ != nullptr) return strike(*fault_);  // a place behind the last line is the page's end
   if (device_.options.pagesPerMinute > 0) {
-    if (flush() == Outcome::Lost) return Outcome::Lost;
+    const Outcome flushed = flush();
+    if (flushed != Outcome::Going) return flushed;
     const std::chrono::duration<double> perPage(60 / device_.options.pagesPerMinute);
     nextPageMayEnd_ = std::max(nextPageMayEnd_, Connection::Clock::now() - std::chrono::seconds(1)) +
                       std::chrono::duration_cast<Connection::Clock::duration>(perPage);
@@ -125,8 +126,7 @@ ScanRun::Outcome ScanRun::sendPage(std::uint16_t number, const Page& page) {
       if (outcome != Outcome::Going) return outcome;
     }
   }
-  const Outcome outcome =
-      sendRecord(page.isBlank ? gen2::blankPageEnd(number) : gen2::pageEnd(number), linesBefore, linesBefore);
+  const Outcome outcome = sendRecord(stream_.pageEnd(number, page), linesBefore, linesBefore);
   return outcome == Outcome::Going ? flush() : outcome;
 }
 
@@ -179,20 +179,22 @@ ScanRun::Outcome ScanRun::heedCommands() {
   const auto command = connection_.takeCommand();
   if (!command) return Outcome::Going;
   if (const auto* bad = std::get_if<BadFrame>(&*command)) {
-    return fail(gen2::kSettingsNotPossible,
+    return fail(DeviceError::SettingsNotPossible,
                 "malformed command during the scan: " + bad->sentence + ": " + hexBytes(bad->bytes));
   }
   const auto& frame = std::get<Frame>(*command);
+  const bool isFirst = device_.profile.generation() == Generation::First;
+  if (frame.mnemonic != (isFirst ? "R" : "ABT")) {
+    return fail(DeviceError::SettingsNotPossible, "only an abort is possible during a scan: " + hexBytes(frame.bytes));
+  }
   Abort abort;
-  if (frame.mnemonic != "ABT") {
-    return fail(gen2::kSettingsNotPossible, "only an abort is possible during a scan: " + hexBytes(frame.bytes));
+  if (const auto refusal = isFirst ? gen1::readNoLines(frame) : gen2::readAbort(frame, abort)) {
+    return fail(DeviceError::SettingsNotPossible,
+                "abort refused: " + refusal->sentence + ": " + hexBytes(refusal->bytes));
   }
-  if (const auto refusal = gen2::readAbort(frame, abort)) {
-    return fail(gen2::kSettingsNotPossible, "abort refused: " + refusal->sentence + ": " + hexBytes(refusal->bytes));
-  }
-  log_.detail("<- " + hexBytes(frame.bytes) + "  ABT");
+  log_.detail("<- " + hexBytes(frame.bytes) + "  " + frame.mnemonic);
   ejection_ = abort.ejection;
-  return endWith(gen2::stoppedByCancel(), Outcome::Ended);
+  return endWith(stream_.stoppedByHost(), Outcome::Ended);
 }
 
 ScanRun::Outcome ScanRun::endWith(const Bytes& record, Outcome outcome) {
@@ -203,9 +205,13 @@ ScanRun::Outcome ScanRun::endWith(const Bytes& record, Outcome outcome) {
   return isSent ? outcome : Outcome::Lost;
 }
 
-ScanRun::Outcome ScanRun::fail(std::uint8_t deviceError, const std::string& why) {
-  log_.note("scan ended with device error " + hexCode(deviceError) + ": " + why);
-  return endWith(gen2::deviceError(deviceError), Outcome::Ended);
+ScanRun::Outcome ScanRun::fail(std::uint8_t code, const std::string& why) {
+  log_.note("scan ended with device error " + hexCode(code) + ": " + why);
+  return endWith(stream_.deviceError(code), Outcome::Ended);
+}
+
+ScanRun::Outcome ScanRun::fail(DeviceError error, const std::string& why) {
+  return fail(codeOf(error, device_.profile.generation()), why);
 }
 
 void ScanRun::eject() {

@@ -12,6 +12,8 @@
 
 #include "device/device.h"
 #include "net/connection.h"
+#include "protocol/device_errors.h"
+#include "protocol/stream.h"
 
 namespace vscan {
 
@@ -40,7 +42,8 @@ class ScanRun {
   Outcome flush();
   Outcome heedCommands();
   Outcome endWith(const Bytes& record, Outcome outcome);
-  Outcome fail(std::uint8_t deviceError, const std::string& why);
+  Outcome fail(std::uint8_t code, const std::string& why);
+  Outcome fail(DeviceError error, const std::string& why);
   void eject();
 
   Device& device_;
@@ -48,6 +51,7 @@ class ScanRun {
   Log& log_;
   const GrantedScan scan_;
   const StartSettings start_;
+  const Stream& stream_;
 
   std::vector<FedSheet> sheets_;
   std::vector<Plan> plans_;
