@@ -284,6 +284,22 @@ TEST_F(FirstSessionTest, TheDocumentsCornersAreTold) {
   EXPECT_EQ(receiveText(host, 0xC2), "\xC2");  // nothing lies on the bed
 }
 
+TEST_F(FirstSessionTest, AButtonIsToldUntilAScanTakesIt) {
+  Device device = classicWith({patternOf(9, 9, 1)});
+  Panel& panel = *device.panel;
+  serve(std::move(device));
+  Host host = connect();
+  const auto keys = [&] {
+    host.send("\x1BK\n\x80");
+    return receiveText(host, 0x30);
+  };
+  EXPECT_EQ(keys(), "\n");
+  panel.press(parsePanelSettings("email resolution=200"));
+  EXPECT_EQ(keys(), "F=EMAIL\nR=200\n");
+  scanFirst(host, kGreySheet);
+  EXPECT_EQ(keys(), "\n");
+}
+
 TEST_F(FirstSessionTest, AnAbortEndsTheStream) {
   options_.pagesPerMinute = 60;
   serve(classicWith({patternOf(48, 40, 1), patternOf(48, 40, 1)}));

@@ -233,6 +233,30 @@ TEST_F(SessionTest, TheDocumentCheckTellsWhatIsLoaded) {
   }
 }
 
+TEST_F(SessionTest, AButtonIsToldUntilAScanTakesIt) {
+  Device device{office_, Feeder(sheets({patternOf(9, 9, 1)}), false, true), {}, options_};
+  Panel& panel = *device.panel;
+  serve(std::move(device));
+  Host host = connect();
+  const auto event = [&] {
+    host.send("\x1BGKP\n\x80");
+    return static_cast<int>(host.receiveFramed().at(12));
+  };
+  EXPECT_EQ(event(), 0);
+  panel.press(parsePanelSettings("file"));
+  EXPECT_EQ(event(), 4);
+  EXPECT_EQ(event(), 4);
+  scan(host, kGreyLines);
+  EXPECT_EQ(event(), 0);
+}
+
+TEST_F(SessionTest, ThePaletteIsToldInTriples) {
+  serve({office_, Feeder({}, false, false), {}, options_});
+  Host host = connect();
+  host.send("\x1BGCT\n\x80");
+  EXPECT_EQ(host.receiveFramed().size(), 8u + 768u);
+}
+
 TEST_F(SessionTest, WhatIsWrongIsRefusedAndLoggedAndTheConversationGoesOn) {
   serve({office_, Feeder(sheets({patternOf(9, 9, 1)}), false, false), {}, options_});
   Host host = connect();

@@ -22,6 +22,7 @@ bool hasDocument(const Device& device, PaperSource source) {
 }
 
 Outcome scan(Dialogue& dialogue, const GrantedScan& granted, const StartSettings& start) {
+  dialogue.device.panel->release();  // whatever the host scans for, it has seen the button
   ScanRun(dialogue.device, dialogue.connection, dialogue.log, granted, start).run();
   return NoReply{};
 }

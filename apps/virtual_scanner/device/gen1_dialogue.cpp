@@ -93,6 +93,12 @@ Outcome tellDocument(Dialogue& dialogue, const Frame& frame) {
   }
 }
 
+Outcome tellKeys(Dialogue& dialogue, const Frame& frame) {
+  if (const auto refusal = readNoLines(frame)) return *refusal;
+  const std::string text = keyText(dialogue.device.panel->pressed());
+  return Reply{kKeyResult, Bytes(text.begin(), text.end())};
+}
+
 Outcome tellPalette(Dialogue&, const Frame& frame) {
   if (const auto refusal = readNoLines(frame)) return *refusal;
   return Reply{0, paletteTriples()};
@@ -114,6 +120,7 @@ std::span<const CommandRow> commands() {
       {"S", kStatusByte, "paper source", selectSource},
       {"I", kTextAnswer, "granted settings", tellGranted},
       {"E", kTextAnswer, "document corners", tellDocument},
+      {"K", kTextAnswer, "panel keys", tellKeys},
       {"P", kPlainAnswer, "palette", tellPalette},
       {"X", kStatusByte, "start", startScan},
       {"R", {}, "abort", ignoreAbort},

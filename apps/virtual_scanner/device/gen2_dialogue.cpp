@@ -49,6 +49,11 @@ Outcome startScan(Dialogue& dialogue, const Frame& frame) {
   return scan(dialogue, *dialogue.granted, start);
 }
 
+Outcome tellKeys(Dialogue& dialogue, const Frame& frame) {
+  if (const auto refusal = readNoKeys(frame)) return *refusal;
+  return Reply{0, keyBody(dialogue.device.panel->pressed())};
+}
+
 Outcome tellPalette(Dialogue&, const Frame& frame) {
   if (const auto refusal = readNoKeys(frame)) return *refusal;
   return Reply{0, paletteTriples()};
@@ -71,6 +76,7 @@ std::span<const CommandRow> commands() {
       {"QDI", framedShape("QDI"), "device information", tellDevice},
       {"CKD", kTwoBytes, "document check", checkDocument},
       {"SSP", framedShape("SSP"), "granted settings", grantSettings},
+      {"GKP", framedShape("GKP"), "panel keys", tellKeys},
       {"GCT", framedShape("GCT"), "palette", tellPalette},
       {"XSC", kTwoBytes, "start", startScan},
       {"ABT", {}, "abort", ignoreAbort},

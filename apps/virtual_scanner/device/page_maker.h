@@ -1,5 +1,5 @@
 // Makes a page out of a sheet: drawn at the granted resolution, cut to the area, toned, encoded.
-// Threads: makePage is reentrant but for sheets from PDF (see SheetFile).
+// Threads: reentrant.
 #pragma once
 #include "device/grant.h"
 #include "device/paper_path.h"
