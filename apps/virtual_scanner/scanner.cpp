@@ -1,5 +1,6 @@
 #include "scanner.h"
 
+#include "device/dialogue.h"
 #include "support/failure.h"
 
 namespace vscan {
@@ -36,7 +37,10 @@ Device makeDevice(const ScannerOptions& options, Log& log) {
   device.page.colorLines = colorLinesNamed(options.colorLines);
   device.whiteLinesInMono = options.whiteLines != "none";
   device.whiteLinesInGrey = options.whiteLines == "all";
-  for (const std::string& fault : options.faults) device.faults.push_back(parseFault(fault));
+  for (const std::string& text : options.faults) {
+    device.faults.push_back(parseFault(text, profile.generation()));
+    checkFault(device.faults.back(), profile.generation());
+  }
   device.drip = {options.dripBytes, std::chrono::milliseconds(options.dripMs)};
   device.pagesPerMinute = options.pagesPerMinute;
   return {std::move(profile), Feeder(std::move(stack), options.blankBacks, options.reloads),

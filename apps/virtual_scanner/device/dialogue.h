@@ -39,12 +39,19 @@ struct CommandRow {
   AnswerShape shape;   // of the answer, and of a refusal
   const char* answer;  // what it is called in the log
   Outcome (*carryOut)(Dialogue& dialogue, const Frame& frame);
+  bool startsStream = false;  // what answers is an image stream; the shape is that of a refusal
+
+  bool isAnswered() const { return !startsStream && (shape.isFramed() || shape.bareBytes != 0); }
 };
 
 std::span<const CommandRow> commandsOf(Generation generation);
 
 // The shape in which a command that the generation does not have is refused.
 AnswerShape unknownCommandShape(Generation generation, const std::string& mnemonic);
+
+// Throws Failure when the fault strikes at a command that the generation does not have, or at a field that its answer
+// does not have.
+void checkFault(const Fault& fault, Generation generation);
 
 // Whether the source has a document; an automatic source takes any.
 bool hasDocument(const Device& device, PaperSource source);

@@ -122,7 +122,7 @@ std::span<const CommandRow> commands() {
       {"E", kTextAnswer, "document corners", tellDocument},
       {"K", kTextAnswer, "panel keys", tellKeys},
       {"P", kPlainAnswer, "palette", tellPalette},
-      {"X", kStatusByte, "start", startScan},
+      {"X", kStatusByte, "start", startScan, true},
       {"R", {}, "abort", ignoreAbort},
   };
   return rows;

@@ -78,7 +78,7 @@ std::span<const CommandRow> commands() {
       {"SSP", framedShape("SSP"), "granted settings", grantSettings},
       {"GKP", framedShape("GKP"), "panel keys", tellKeys},
       {"GCT", framedShape("GCT"), "palette", tellPalette},
-      {"XSC", kTwoBytes, "start", startScan},
+      {"XSC", kTwoBytes, "start", startScan, true},
       {"ABT", {}, "abort", ignoreAbort},
   };
   return rows;

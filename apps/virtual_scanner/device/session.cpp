@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string>
 
+#include "device/fault_effects.h"
+
 namespace vscan {
 
 Session::Session(Device& device, Connection& connection, Log& log)
@@ -30,10 +32,27 @@ bool Session::answer(const Frame& frame) {
     return refuse(unknownCommandShape(generation_, frame.mnemonic), frame.mnemonic,
                   {"this device has no command " + frame.mnemonic, frame.bytes});
   }
-  const Outcome outcome = row->carryOut(dialogue_, frame);
-  if (const auto* refusal = std::get_if<Refusal>(&outcome)) return refuse(row->shape, frame.mnemonic, *refusal);
+  return carryOut(*row, frame, faultsAt(dialogue_.device.options.faults, frame.mnemonic));
+}
+
+bool Session::carryOut(const CommandRow& row, const Frame& frame, std::vector<Fault*> faults) {
+  for (Fault* fault : faults) {
+    if (fault->kind != FaultKind::Device) continue;
+    ++fault->struck;
+    dialogue_.log.note(frame.mnemonic + " refused, as asked for by --fault " + fault->text);
+    const Bytes refusal = refusalOf(row.shape, static_cast<std::uint8_t>(fault->value));
+    return refusal.empty() || send(refusal, "refusal");
+  }
+  if (!row.isAnswered()) {
+    if (!sendWithFaults(dialogue_.connection, dialogue_.log, faults, row.shape, {})) return false;
+    faults.clear();
+  }
+  const Outcome outcome = row.carryOut(dialogue_, frame);
+  if (const auto* refusal = std::get_if<Refusal>(&outcome)) return refuse(row.shape, frame.mnemonic, *refusal);
   if (const auto* reply = std::get_if<Reply>(&outcome)) {
-    return send(answerOf(row->shape, reply->result, reply->body), row->answer);
+    const Bytes bytes = answerOf(row.shape, reply->result, reply->body);
+    dialogue_.log.detail("-> " + hexBytes(bytes) + "  " + row.answer);
+    return sendWithFaults(dialogue_.connection, dialogue_.log, faults, row.shape, bytes);
   }
   return dialogue_.connection.isOpen();
 }

@@ -13,8 +13,9 @@ class Session {
   void run();
 
  private:
-  // Both false when the connection is over.
+  // All false when the connection is over.
   bool answer(const Frame& frame);
+  bool carryOut(const CommandRow& row, const Frame& frame, std::vector<Fault*> faults);
   bool refuse(const AnswerShape& shape, const std::string& what, const Refusal& refusal);
   bool send(const Bytes& bytes, const char* what);
 

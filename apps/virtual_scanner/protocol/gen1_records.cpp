@@ -159,6 +159,9 @@ class FirstStream final : public Stream {
   }
 
   Bytes findings(std::uint16_t, const Page&) const override { return {}; }
+  Bytes failedCheck(FailedCheck, std::uint16_t, const Page&) const override { return {}; }
+  Bytes timerRestart(std::uint16_t) const override { return {}; }
+  Bytes timerExtend(std::uint16_t) const override { return {}; }
 
   Bytes pageEnd(std::uint16_t number, const Page& page) const override {
     Bytes record{kPageEnd};

@@ -19,6 +19,9 @@ enum Status : std::uint8_t {
   kTooLongPageEnd = 0x23,
   kStoppedByHost = 0x40,
   kStoppedByKey = 0x41,
+  kTimerRestart = 0x50,
+  kTimerExtend = 0x51,
+  kSizeFailed = 0x71,  // 0x72 colour, 0x73 blank page, 0x74 deskew
 };
 
 constexpr std::uint8_t kResultGood = 0x00;
@@ -27,6 +30,17 @@ constexpr std::size_t kSizeAt = 6;  // in a record with data: behind result, sta
 Bytes ofPage(Status status, std::uint16_t page) {
   Bytes record{kResultGood, status};
   appendU16(record, page);
+  return record;
+}
+
+void appendSize(Bytes& record, const Page& page) {
+  appendU32(record, static_cast<std::uint32_t>(page.widthPx));
+  appendU32(record, static_cast<std::uint32_t>(page.heightPx));
+}
+
+Bytes timer(Status status, std::uint16_t seconds) {
+  Bytes record{kResultGood, status};
+  appendU16(record, seconds);
   return record;
 }
 
@@ -115,10 +129,18 @@ class SecondStream final : public Stream {
   Bytes findings(std::uint16_t number, const Page& page) const override {
     if (!page.tellsSize && !page.isBlank) return {};
     Bytes record = ofPage(kPageSize, number);
-    appendU32(record, static_cast<std::uint32_t>(page.widthPx));
-    appendU32(record, static_cast<std::uint32_t>(page.heightPx));
+    appendSize(record, page);
     return record;
   }
+
+  Bytes failedCheck(FailedCheck check, std::uint16_t number, const Page& page) const override {
+    Bytes record = ofPage(static_cast<Status>(kSizeFailed + static_cast<int>(check)), number);
+    if (check == FailedCheck::Size) appendSize(record, page);
+    return record;
+  }
+
+  Bytes timerRestart(std::uint16_t seconds) const override { return timer(kTimerRestart, seconds); }
+  Bytes timerExtend(std::uint16_t seconds) const override { return timer(kTimerExtend, seconds); }
 
   Bytes pageEnd(std::uint16_t number, const Page& page) const override {
     return ofPage(page.isBlank ? kBlankPageEnd : page.isTooLong ? kTooLongPageEnd : kPageEnd, number);

@@ -26,6 +26,9 @@ struct SizeField {
   std::size_t bytes = 0;
 };
 
+// What a device can fail to find out about a page.
+enum class FailedCheck { Size, Color, Blank, Deskew };
+
 class Stream {
  public:
   virtual ~Stream() = default;
@@ -38,6 +41,12 @@ class Stream {
 
   // What the device has found out about the page, between its data and its end; may be nothing.
   virtual Bytes findings(std::uint16_t number, const Page& page) const = 0;
+
+  // Records of the second generation only; nothing in the first.
+  virtual Bytes failedCheck(FailedCheck check, std::uint16_t number, const Page& page) const = 0;
+  virtual Bytes timerRestart(std::uint16_t seconds) const = 0;
+  virtual Bytes timerExtend(std::uint16_t seconds) const = 0;
+
   virtual Bytes pageEnd(std::uint16_t number, const Page& page) const = 0;
   virtual Bytes allPagesEnd() const = 0;
   virtual Bytes stoppedByHost() const = 0;
