@@ -14,10 +14,10 @@ const Bytes kOfficeBody = {
     0x01, 0x01, 0x02, 0x00, 0x01, 0x00,  // category
     0x02, 0x01, 0x16, 0x00,              // model name, 22 bytes
     'V',  'i',  'r',  't',  'u',  'a',  'l',  ' ',  'O',  'f',  'f',  'i',  'c',  'e',  ' ',  'S',
-    'c',  'a',  'n',  'n',  'e',  'r',  0x01, 0x02, 0x02, 0x00, 0x00, 0x00,  // push scan: no button
-    0x02, 0x02, 0x02, 0x00, 0x00, 0x00,                                      // continuous scan
-    0x03, 0x02, 0x02, 0x00, 0x00, 0x00,                                      // device function
-    0x04, 0x02, 0x02, 0x00, 0x00, 0x00,                                      //
+    'c',  'a',  'n',  'n',  'e',  'r',  0x01, 0x02, 0x02, 0x00, 0x0F, 0x00,  // push scan: four buttons
+    0x02, 0x02, 0x02, 0x00, 0x00, 0x02,  // no continuous scan, settings of the panel
+    0x03, 0x02, 0x02, 0x00, 0x00, 0x00,  // device function
+    0x04, 0x02, 0x02, 0x00, 0x00, 0x00,  //
     0x01, 0x03, 0x02, 0x00, 0x17, 0x00,  // mono, error diffusion, grey, 24-bit colour
     0x02, 0x03, 0x02, 0x00, 0x03, 0x01,  // feeder and bed, both sides
     0x03, 0x03, 0x02, 0x00, 0x32, 0x00,  // 50 sheets
@@ -69,11 +69,11 @@ const Bytes kOfficeBody = {
 };
 
 TEST(Capability, TheOfficeProfileSaysWhatIsSpelledHere) {
-  EXPECT_EQ(loadProfile(QS_OFFICE_PROFILE).capability.body(), kOfficeBody);
+  EXPECT_EQ(loadProfile(QS_PROFILES "/office.json").capability.body(), kOfficeBody);
 }
 
 TEST(Capability, AFieldGoesOutLowestByteFirstInItsPlace) {
-  Capability capability;
+  Capability capability(Generation::Second);
   const Bytes before = capability.body();
   capability.set("marginSize", 1, -2);
   const Bytes after = capability.body();
@@ -107,7 +107,7 @@ TEST(Capability, EachValueHasToFitItsPlace) {
       {"noSuchField", 0, 0, false},
   };
   for (const auto& row : rows) {
-    Capability capability;
+    Capability capability(Generation::Second);
     if (row.fits) {
       EXPECT_NO_THROW(capability.set(row.key, row.place, row.value)) << row.key;
       EXPECT_EQ(capability.at(row.key, row.place), row.value) << row.key;
@@ -118,7 +118,7 @@ TEST(Capability, EachValueHasToFitItsPlace) {
 }
 
 TEST(Capability, AModelNameMayHave128Bytes) {
-  Capability capability;
+  Capability capability(Generation::Second);
   EXPECT_NO_THROW(capability.setModelName(std::string(128, 'x')));
   EXPECT_THROW(capability.setModelName(std::string(129, 'x')), Failure);
 }

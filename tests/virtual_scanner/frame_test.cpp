@@ -52,6 +52,16 @@ TEST(FrameReader, AValueMayHoldAnEqualsSign) {
   EXPECT_EQ(std::get<Frame>(*command).lines.at(0).value, "a=b");
 }
 
+TEST(FrameReader, ALineOfOneWordHasNoKey) {
+  FrameReader reader;
+  const auto command = feedAll(reader,
+                               "\x1B"
+                               "D\nADF\n\x80");
+  ASSERT_TRUE(command);
+  EXPECT_EQ(std::get<Frame>(*command).lines.at(0).key, "");
+  EXPECT_EQ(std::get<Frame>(*command).lines.at(0).value, "ADF");
+}
+
 TEST(FrameReader, WhatIsNoCommandIsHandedOutWithItsBytes) {
   const struct {
     const char* name;
@@ -62,7 +72,8 @@ TEST(FrameReader, WhatIsNoCommandIsHandedOutWithItsBytes) {
       {"nothing at all", "\x1B\x80"},
       {"an empty name", "\x1B\n\x80"},
       {"a small letter in the name", "\x1BQdi\n\x80"},
-      {"a line without an equals sign", "\x1BSSP\nOS\n\x80"},
+      {"a line with neither an equals sign nor a word", "\x1BSSP\nos x\n\x80"},
+      {"an empty line", "\x1BSSP\n\n\x80"},
       {"a line without a key", "\x1BSSP\n=MAC\n\x80"},
       {"a last line without a line feed", "\x1BSSP\nOS=MAC\x80"},
       {"a carriage return", "\x1BQ\r\n\x80"},

@@ -110,7 +110,7 @@ ReceivedScan Host::receiveScan() {
   for (;;) {
     const Bytes head = receive(2);
     if (head.size() < 2) return scan;
-    if (head[0] != 0 || head[1] == 0x20 || head[1] == 0x40) {
+    if (head[0] != 0 || head[1] == 0x20 || head[1] == 0x40 || head[1] == 0x41) {
       scan.endResult = head[0];
       scan.endStatus = head[1];
       return scan;

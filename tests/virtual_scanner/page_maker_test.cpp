@@ -35,7 +35,7 @@ class PageMakerTest : public testing::Test {
   }
 
   const test::TempFolder folder_;
-  Profile profile_ = loadProfile(QS_OFFICE_PROFILE);
+  Profile profile_ = loadProfile(QS_PROFILES "/office.json");
 };
 
 TEST_F(PageMakerTest, AtTheSheetsOwnResolutionEachPixelComesThrough) {
@@ -172,7 +172,7 @@ TEST_F(PageMakerTest, AnEmptyBedIsWhiteAllOver) {
 }
 
 TEST(GrantScan, ResolutionsAreBroughtIntoTheBoundsOfTheDevice) {
-  const Profile profile = loadProfile(QS_OFFICE_PROFILE);
+  const Profile profile = loadProfile(QS_PROFILES "/office.json");
   const struct {
     Resolution wanted;
     int x, y;
@@ -191,7 +191,7 @@ TEST(GrantScan, ResolutionsAreBroughtIntoTheBoundsOfTheDevice) {
 }
 
 TEST(GrantScan, TheSourceIsChosenByWhatIsLoaded) {
-  const Profile profile = loadProfile(QS_OFFICE_PROFILE);
+  const Profile profile = loadProfile(QS_PROFILES "/office.json");
   const struct {
     PaperSource source;
     Sides sides;
@@ -236,7 +236,7 @@ TEST(GrantScan, WhatTheProfileDoesNotOfferIsRefused) {
       {"a sampling that is not offered", "jpegSampling=0x08", ColorMode::Color, Compression::Jpeg, false},
   };
   for (const auto& row : rows) {
-    Profile profile = loadProfile(QS_OFFICE_PROFILE);
+    Profile profile = loadProfile(QS_PROFILES "/office.json");
     overrideProfile(profile, row.override);
     ScanSettings settings;
     settings.color = row.color;
@@ -247,7 +247,7 @@ TEST(GrantScan, WhatTheProfileDoesNotOfferIsRefused) {
 }
 
 TEST(GrantScan, AThresholdHasToLieInTheRangeOfTheProfile) {
-  Profile profile = loadProfile(QS_OFFICE_PROFILE);
+  Profile profile = loadProfile(QS_PROFILES "/office.json");
   ScanSettings settings;
   settings.color = ColorMode::Text;
   const auto isGranted = [&](std::int64_t threshold) {
@@ -261,7 +261,7 @@ TEST(GrantScan, AThresholdHasToLieInTheRangeOfTheProfile) {
 }
 
 TEST(GrantScan, BothSidesNeedADuplexFeederAndASourceHasToBeThere) {
-  Profile profile = loadProfile(QS_OFFICE_PROFILE);
+  Profile profile = loadProfile(QS_PROFILES "/office.json");
   profile.capability.set("duplex", 0, 0);
   ScanSettings settings;
   settings.sides = Sides::Both;

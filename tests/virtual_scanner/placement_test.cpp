@@ -5,7 +5,7 @@
 namespace vscan {
 namespace {
 
-Profile office() { return loadProfile(QS_OFFICE_PROFILE); }
+Profile office() { return loadProfile(QS_PROFILES "/office.json"); }
 
 TEST(Placement, TheLargestAreaIsTheSizeOfThePathAtTheResolution) {
   const Profile profile = office();

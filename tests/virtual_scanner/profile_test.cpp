@@ -22,11 +22,11 @@ constexpr const char* kSmall = R"({"capability": {"paperSource": 2, "opticalReso
                                                   "scanSizeMax": [2159, 2972]}})";
 
 TEST(Profile, TheOfficeScannerHasABedAndADuplexFeeder) {
-  const Profile profile = loadProfile(QS_OFFICE_PROFILE);
+  const Profile profile = loadProfile(QS_PROFILES "/office.json");
   EXPECT_EQ(profile.name, "office");
-  EXPECT_TRUE(profile.hasFlatbed());
-  EXPECT_TRUE(profile.hasFeeder());
-  EXPECT_TRUE(profile.hasDuplex());
+  EXPECT_TRUE(profile.abilities().hasFlatbed);
+  EXPECT_TRUE(profile.abilities().hasFeeder);
+  EXPECT_TRUE(profile.abilities().hasDuplex);
   EXPECT_GE(profile.firstBodyByte, 0x10);
   EXPECT_LE(profile.firstBodyByte, 0x7F);
   EXPECT_EQ(profile.capability.at("protocolVersion"), 0x0102);
@@ -34,8 +34,8 @@ TEST(Profile, TheOfficeScannerHasABedAndADuplexFeeder) {
 
 TEST(Profile, AProfileSetsOnlyWhatItNames) {
   const Profile profile = parseProfile(kSmall, "small");
-  EXPECT_TRUE(profile.hasFlatbed());
-  EXPECT_FALSE(profile.hasFeeder());
+  EXPECT_TRUE(profile.abilities().hasFlatbed);
+  EXPECT_FALSE(profile.abilities().hasFeeder);
   EXPECT_EQ(profile.capability.at("opticalResolution", 1), 600);
   EXPECT_EQ(profile.capability.at("opticalResolution", 2), 0);
   EXPECT_EQ(profile.threshold, 128);
@@ -49,7 +49,13 @@ TEST(Profile, WhatIsWrongIsSaidInASentence) {
       {"{", "parse error"},
       {"[]", "a profile is a JSON object"},
       {R"({"capability": {}})", "paperSource names neither"},
-      {R"({"generation": 3})", "generation 2"},
+      {R"({"generation": 3})", "generation is 1 or 2"},
+      {R"({"generation": 1, "capability": {"version": 16}})", "version 16 tells hosts"},
+      {R"({"generation": 1, "capability": {"flatbedMaxX": 0, "adfMaxX": 0}})", "neither bed nor feeder"},
+      {R"({"generation": 1, "capability": {"adfOpticalY": 10}})",
+       "the optical resolution of one side in the feeder, y, has to be"},
+      {R"({"generation": 1, "capability": {"paperSource": 1}})", "there is no key \"paperSource\""},
+      {R"({"generation": 1, "blockBytes": 255})", "blockBytes lies between 1 and 254"},
       {R"({"nonsense": 1})", "there is no key \"nonsense\""},
       {R"({"firstBodyByte": 128})", "firstBodyByte lies between 16 and 127"},
       {R"({"capability": {"duplex": "two"}})", "duplex needs a whole number"},
@@ -58,7 +64,8 @@ TEST(Profile, WhatIsWrongIsSaidInASentence) {
       {R"({"capability": {"duplex": 300}})", "duplex holds values from 0 to 255, not 300"},
       {R"({"capability": {"duplex": [1, 2]}})", "duplex has 1 place(s)"},
       {R"({"capability": {"modelName": 5}})", "modelName needs a text"},
-      {R"({"capability": {"paperSource": 2, "scanSizeMax": [1, 1]}})", "opticalResolution[0] has to be at least 50"},
+      {R"({"capability": {"paperSource": 2, "scanSizeMax": [1, 1]}})",
+       "the optical resolution of the bed, x, has to be at least minResolution"},
   };
   for (const auto& row : rows) {
     const std::string words = failureOf([&] { parseProfile(row.json, "file.json"); });
@@ -68,14 +75,14 @@ TEST(Profile, WhatIsWrongIsSaidInASentence) {
 }
 
 TEST(Profile, AnOverrideSetsOneValueOrAWholeField) {
-  Profile profile = loadProfile(QS_OFFICE_PROFILE);
+  Profile profile = loadProfile(QS_PROFILES "/office.json");
   overrideProfile(profile, "compressType[2]=3");
   EXPECT_EQ(profile.capability.at("compressType", 2), 3);
   EXPECT_EQ(profile.capability.at("compressType", 4), 7);
 }
 
 TEST(Profile, OverridesTakeTheFormsOfTheFile) {
-  Profile profile = loadProfile(QS_OFFICE_PROFILE);
+  Profile profile = loadProfile(QS_PROFILES "/office.json");
   overrideProfile(profile, "compressType=[1,2]");
   EXPECT_EQ(profile.capability.at("compressType", 0), 1);
   EXPECT_EQ(profile.capability.at("compressType", 1), 2);
@@ -88,7 +95,7 @@ TEST(Profile, OverridesTakeTheFormsOfTheFile) {
 }
 
 TEST(Profile, AWrongOverrideIsSaidWithItsText) {
-  Profile profile = loadProfile(QS_OFFICE_PROFILE);
+  Profile profile = loadProfile(QS_PROFILES "/office.json");
   for (const char* text :
        {"compressType", "compressType[9]=1", "compressType[x]=1", "compressType[]=1", "compressType[1=1", "nosuch=1",
         "paperSource=0", "duplex=256", "duplex=", "name=x", "compressType=[1,0x2]"}) {

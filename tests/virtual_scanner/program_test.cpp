@@ -7,7 +7,7 @@
 
 #include <csignal>
 
-#include "host.h"
+#include "gen1_host.h"
 #include "sheet_makers.h"
 
 extern char** environ;
@@ -84,6 +84,55 @@ TEST(Program, ItTellsItsPortServesAndEndsCleanlyOnASignal) {
   }
 }
 
+int portIn(const std::string& line) {
+  const auto colon = line.find(':', line.find("127.0.0.1"));
+  return std::stoi(line.substr(colon + 1));
+}
+
+TEST(Program, SeveralScannersServeAtTheSameTimeEachInItsGeneration) {
+  const test::TempFolder folder;
+  test::writePng(folder.file("sheet.png"), test::patternOf(48, 30, 1), 300);
+  Program program({"--reload", "--scanner", "front desk", "--listen", "127.0.0.1:0", folder.file("sheet.png"),
+                   "--scanner", "attic", "--profile", "classic", "--listen", "127.0.0.1:0", folder.file("sheet.png"),
+                   "--scanner", "lab", "--profile", "flatbed", "--unix", folder.file("lab")});
+  const std::string first = program.outLine();
+  const std::string second = program.outLine();
+  ASSERT_TRUE(first.starts_with("listening on 127.0.0.1:") && first.ends_with(" as front desk")) << first;
+  ASSERT_TRUE(second.ends_with(" as attic")) << second;
+  EXPECT_EQ(program.outLine(), "listening on unix:" + folder.file("lab") + " as lab");
+  test::Host office = test::Host::connectTcp(portIn(first));
+  test::Host classic = test::Host::connectTcp(portIn(second));
+  for (int repeat = 0; repeat < 2; ++repeat) {
+    office.send(test::settingsFrame({{"CLR", "GRAY256"}}));
+    EXPECT_EQ(office.receiveFramed().at(0), 0);
+    classic.send(test::startFrame1({{"M", "GRAY256"}, {"C", "NONE"}, {"A", "0,0,48,30"}}));
+    office.send(test::startFrame("AUTO"));
+    EXPECT_EQ(test::receiveFirstScan(classic).endStatus, 0x80);
+    EXPECT_EQ(office.receiveScan().endStatus, 0x20);
+  }
+  EXPECT_EQ(program.end(SIGTERM), 0);
+}
+
+TEST(Program, AButtonIsPressedAtTheStartAndWhileItRuns) {
+  const test::TempFolder folder;
+  Program program({"--listen", "127.0.0.1:0", "--control", folder.file("control"), "--button", "ocr"});
+  test::Host host = test::Host::connectTcp(portIn(program.outLine()));
+  host.send("\x1BGKP\n\x80");
+  EXPECT_EQ(host.receiveFramed().at(8 + 4), 2);
+  Program owner({"--tell", folder.file("control"), "button email resolution=300"});
+  EXPECT_EQ(owner.outLine(), "ok");
+  EXPECT_EQ(owner.end(0), 0);
+  host.send("\x1BGKP\n\x80");
+  EXPECT_EQ(host.receiveFramed().at(8 + 4), 3);
+  Program wrong({"--tell", folder.file("control"), "button fax"});
+  EXPECT_TRUE(wrong.outLine().starts_with("error: there is no button \"fax\""));
+  EXPECT_EQ(wrong.end(0), 2);
+  EXPECT_EQ(program.end(SIGTERM), 0);
+  Program nobody({"--tell", folder.file("control"), "button none"});
+  EXPECT_NE(nobody.errLine().find("cannot reach a scanner behind"), std::string::npos);
+  EXPECT_EQ(nobody.end(0), 2);
+}
+
 TEST(Program, AWrongRequestEndsItWithASentence) {
   const test::TempFolder folder;
   const struct {
@@ -95,6 +144,11 @@ TEST(Program, AWrongRequestEndsItWithASentence) {
       {{"--set", "duplex=999"}, "duplex holds values from 0 to 255"},
       {{"--fault", "explode@page=1"}, "there is no fault \"explode\""},
       {{"--listen", "127.0.0.1"}, "write HOST:PORT"},
+      {{"--button", "fax"}, "there is no button \"fax\""},
+      {{"--profile", "flatbed", "--button", "image"}, "does not offer this button"},
+      {{"--profile", "flatbed", "sheet.png"}, "cannot open sheet.png"},
+      {{"--scanner", "one", "--listen", "127.0.0.1:0", "--scanner", "two", "--profile", "nosuch"},
+       "scanner two: there is no profile"},
   };
   for (const auto& row : rows) {
     Program program(row.arguments);

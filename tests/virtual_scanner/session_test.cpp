@@ -1,15 +1,8 @@
-// Whole conversations over a socket with the scanner running in a thread of the test.
-#include <gtest/gtest.h>
-#include <sys/eventfd.h>
+// Whole conversations of the second generation.
 #include <sys/socket.h>
 #include <sys/un.h>
 
-#include <mutex>
-#include <thread>
-
-#include "host.h"
-#include "net/server.h"
-#include "sheet_makers.h"
+#include "session_fixture.h"
 #include "support/failure.h"
 
 namespace vscan {
@@ -18,93 +11,15 @@ namespace {
 using test::bytesOf;
 using test::frameOf;
 using test::Host;
+using test::kGreyJpeg;
+using test::kGreyLines;
 using test::patternOf;
 using test::ReceivedPage;
 using test::ReceivedScan;
+using test::SessionTest;
 using test::settingsFrame;
 using test::startFrame;
-
-class SessionTest : public testing::Test {
- protected:
-  ~SessionTest() override { stop(); }
-
-  // One face for each picture, at 300 dpi.
-  std::vector<Face> sheets(const std::vector<Raster>& pictures) {
-    std::vector<Face> faces;
-    for (const Raster& picture : pictures) {
-      const std::string path = folder_.file("sheet" + std::to_string(files_++) + ".png");
-      test::writePng(path, picture, 300);
-      faces.push_back({openSheetFile(path), 0});
-    }
-    return faces;
-  }
-
-  void serve(Device device) {
-    device_ = std::make_unique<Device>(std::move(device));
-    std::vector<Listener> listeners;
-    listeners.push_back(Listener::onTcp("127.0.0.1:0"));
-    address_ = listeners.back().address();
-    listeners.push_back(Listener::onUnix(folder_.file("socket")));
-    server_ = std::make_unique<Server>(*device_, std::move(listeners), log_, stopFd_.get());
-    thread_ = std::thread([this] { server_->run(); });
-  }
-
-  void stop() {
-    if (!thread_.joinable()) return;
-    ::eventfd_write(stopFd_.get(), 1);
-    thread_.join();
-    eventfd_t taken = 0;
-    ::eventfd_read(stopFd_.get(), &taken);
-    server_.reset();
-  }
-
-  Host connect() { return Host::connectTcp(std::stoi(address_.substr(address_.rfind(':') + 1))); }
-
-  // SSP, XSC and the stream. A small sheet in the feeder lies in the middle of its width.
-  ReceivedScan scan(Host& host, const std::map<std::string, std::string>& settings = {},
-                    const std::string& area = "AUTO") {
-    host.send(settingsFrame(settings));
-    const Bytes granted = host.receiveFramed();
-    EXPECT_EQ(granted.at(0), 0);
-    host.send(startFrame(area));
-    return host.receiveScan();
-  }
-
-  std::string logged() {
-    const std::lock_guard lock(mutex_);
-    return logged_;
-  }
-
-  const test::TempFolder folder_;
-  const Profile office_ = loadProfile(QS_OFFICE_PROFILE);
-  DeviceOptions options_;
-
- private:
-  int files_ = 0;
-  std::mutex mutex_;
-  std::string logged_;
-  Log log_{true, [this](const std::string& line) {
-             const std::lock_guard lock(mutex_);
-             logged_ += line + "\n";
-           }};
-  UniqueFd stopFd_{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
-  std::unique_ptr<Device> device_;
-  std::unique_ptr<Server> server_;
-  std::string address_;
-  std::thread thread_;
-};
-
-const std::map<std::string, std::string> kGreyLines = {{"CLR", "GRAY256"}, {"COMP", "RLENGTH"}};
-const std::map<std::string, std::string> kGreyJpeg = {{"CLR", "GRAY256"}};
-
-Bytes unpacked(const ReceivedPage& page) {
-  Bytes all;
-  for (const Bytes& line : page.data) {
-    const Bytes plain = test::unpackBits(line);
-    all.insert(all.end(), plain.begin(), plain.end());
-  }
-  return all;
-}
+using test::unpacked;
 
 TEST_F(SessionTest, TheCapabilityCommandsAreAnsweredOnOneConnection) {
   serve({office_, Feeder({}, false, false), {}, options_});
@@ -318,6 +233,30 @@ TEST_F(SessionTest, TheDocumentCheckTellsWhatIsLoaded) {
   }
 }
 
+TEST_F(SessionTest, AButtonIsToldUntilAScanTakesIt) {
+  Device device{office_, Feeder(sheets({patternOf(9, 9, 1)}), false, true), {}, options_};
+  Panel& panel = *device.panel;
+  serve(std::move(device));
+  Host host = connect();
+  const auto event = [&] {
+    host.send("\x1BGKP\n\x80");
+    return static_cast<int>(host.receiveFramed().at(12));
+  };
+  EXPECT_EQ(event(), 0);
+  panel.press(parsePanelSettings("file"));
+  EXPECT_EQ(event(), 4);
+  EXPECT_EQ(event(), 4);
+  scan(host, kGreyLines);
+  EXPECT_EQ(event(), 0);
+}
+
+TEST_F(SessionTest, ThePaletteIsToldInTriples) {
+  serve({office_, Feeder({}, false, false), {}, options_});
+  Host host = connect();
+  host.send("\x1BGCT\n\x80");
+  EXPECT_EQ(host.receiveFramed().size(), 8u + 768u);
+}
+
 TEST_F(SessionTest, WhatIsWrongIsRefusedAndLoggedAndTheConversationGoesOn) {
   serve({office_, Feeder(sheets({patternOf(9, 9, 1)}), false, false), {}, options_});
   Host host = connect();
@@ -338,7 +277,7 @@ TEST_F(SessionTest, WhatIsWrongIsRefusedAndLoggedAndTheConversationGoesOn) {
       {"a wish not to be had",
        settingsFrame({{"CLR", "C256"}}),
        {0xA4, 'S', 'S', 'P', 1, 0, 0, 0, 0xA4},
-       "not offered"},
+       "does not offer"},
       {"a start without settings", startFrame("AUTO"), {0xA4, 0x00}, "needs an SSP before it"},
       {"a wrong start", startFrame("HERE"), {0xA4, 0x00}, "\"HERE\" is no value"},
   };
@@ -434,68 +373,6 @@ TEST_F(SessionTest, AHostThatGoesInTheMiddleOfAScanLeavesTheScannerFree) {
   host.close();
   Host next = connect();
   EXPECT_EQ(scan(next, kGreyLines).pages.size(), 1u);
-}
-
-TEST_F(SessionTest, ADisconnectStrikesAtItsByte) {
-  options_.faults = {parseFault("disconnect@page=2,byte=100")};
-  serve({office_, Feeder(sheets({patternOf(50, 40, 1), patternOf(50, 40, 1)}), false, true), {}, options_});
-  Host host = connect();
-  auto settings = kGreyLines;
-  settings["COMP"] = "NONE";
-  host.send(settingsFrame(settings));
-  host.receiveFramed();
-  host.send(startFrame("0,0,50,40"));
-  // 40 records of 14 + 50 bytes and the page's end, then 100 bytes.
-  EXPECT_EQ(host.receive(100000).size(), 40u * 64u + 4u + 100u);
-  Host next = connect();
-  next.send("\x1BQ\n\x80");
-  EXPECT_EQ(next.receive(4).size(), 4u);
-}
-
-TEST_F(SessionTest, AResetBreaksTheConnectionBehindItsPlace) {
-  options_.faults = {parseFault("reset@page=1,line=3")};
-  serve({office_, Feeder(sheets({patternOf(50, 40, 1)}), false, true), {}, options_});
-  Host host = connect();
-  const ReceivedScan received = scan(host, kGreyLines, "0,0,50,40");
-  EXPECT_EQ(received.endStatus, -1);
-  EXPECT_EQ(received.pages.at(1).heightsSoFar, (std::vector<std::uint32_t>{1, 2, 3}));
-}
-
-TEST_F(SessionTest, ADeviceErrorIsARecordOfItsOwnAndTheConnectionStays) {
-  options_.faults = {parseFault("device=0x91@page=2,line=5")};
-  serve({office_, Feeder(sheets({patternOf(50, 40, 1), patternOf(50, 40, 1)}), false, true), {}, options_});
-  Host host = connect();
-  for (int repeat = 0; repeat < 2; ++repeat) {
-    const ReceivedScan received = scan(host, kGreyLines, "0,0,50,40");
-    EXPECT_EQ(received.endResult, 0x91);
-    EXPECT_EQ(received.pages.at(1).statuses.back(), 0x21);
-    EXPECT_EQ(received.pages.at(2).data.size(), 5u);
-  }
-}
-
-TEST_F(SessionTest, AFaultBehindTheLastLineStrikesBeforeThePageEnds) {
-  options_.faults = {parseFault("device=0x92@page=1,line=9999")};
-  serve({office_, Feeder(sheets({patternOf(50, 40, 1)}), false, true), {}, options_});
-  Host host = connect();
-  const ReceivedScan received = scan(host, kGreyLines, "0,0,50,40");
-  EXPECT_EQ(received.endResult, 0x92);
-  EXPECT_EQ(received.pages.at(1).data.size(), 40u);
-  EXPECT_EQ(received.pages.at(1).statuses.back(), 0x01);
-}
-
-TEST_F(SessionTest, ASilentScannerCanStillBeStopped) {
-  options_.faults = {parseFault("silence@page=1")};
-  serve({office_, Feeder(sheets({patternOf(50, 40, 1)}), false, true), {}, options_});
-  Host host = connect();
-  host.send(settingsFrame(kGreyLines));
-  host.receiveFramed();
-  host.send(startFrame("AUTO") + frameOf("ABT", {}));
-  for (int i = 0; i < 300 && logged().find("falling silent") == std::string::npos; ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  EXPECT_NE(logged().find("falling silent"), std::string::npos);
-  stop();
-  EXPECT_TRUE(host.isAtEnd());
 }
 
 TEST_F(SessionTest, DripsArriveAsTheSameStream) {

@@ -1,28 +1,64 @@
-// Something that goes wrong on purpose, at a place in the stream:
-//   KIND[=VALUE]@page=N[,line=N|,byte=N]
-// disconnect  the connection is closed          reset   it is cut off without a goodbye
-// silence     nothing more is ever sent         device  the device error VALUE ends the scan
-// Without line or byte it happens before the page's first record. Faults are for every scan, not just the first.
+// Something that goes wrong on purpose, at a place in the image stream or at the answer to a command:
+//   KIND[=VALUE]@page=N[,line=N|,byte=N][,times=N]
+//   KIND[=VALUE]@command=NAME[,byte=N][,times=N]
+// On a page without line or byte it happens before the page's first record; at an answer without byte before it.
+// Without times it happens every time, in every scan.
 // Threads: reentrant.
 #pragma once
 #include <cstdint>
 #include <optional>
 #include <string>
 
+#include "protocol/generation.h"
+#include "support/little_endian.h"
+
 namespace vscan {
 
-enum class FaultKind { Disconnect, Reset, Silence, Device };
-
-struct Fault {
-  FaultKind kind = FaultKind::Disconnect;
-  std::uint8_t deviceError = 0;
-  int page = 0;
-  std::optional<std::int64_t> line;  // when so many lines have been sent
-  std::optional<std::int64_t> byte;  // when so many bytes of the page's records have been sent
+enum class FaultKind {
+  Disconnect,      // the connection is closed
+  Reset,           // it breaks
+  Silence,         // nothing more is ever sent
+  Device,          // the device error `value` ends the scan or refuses the command
+  DoubleFeed,      // two sheets as one: a device error where the host looks for it
+  StopKey,         // somebody presses stop on the panel
+  TooLong,         // the page ends at the length limit
+  TimerRestart,    // a record for the host's timer, `value` seconds
+  TimerExtend,     //
+  FailedCheck,     // the device could not find something out; `value` is a FailedCheck of protocol/stream.h
+  Garbage,         // `bytes` come in between
+  WrongLength,     // the size or length field says `value`
+  WrongSignature,  // the answer's signature, or the result where it has none, is not what it should be
+  Short,           // the rest of the record or answer is left out
+  Pause,           // nothing for `value` milliseconds; what came before is sent
+  Drip,            // from here on pieces of `value` bytes with `pauseMs` behind each
 };
 
-// Throws Failure with a sentence.
-Fault parseFault(const std::string& text);
+struct Fault {
+  std::string text;  // as the owner wrote it
+  FaultKind kind = FaultKind::Disconnect;
+  std::int64_t value = 0;
+  std::int64_t pauseMs = 0;
+  Bytes bytes{};
+  std::string command{};  // empty: on a page
+  int page = 0;
+  std::optional<std::int64_t> line{};  // when so many lines have been sent
+  std::optional<std::int64_t> byte{};  // when so many bytes of the page's records, or of the answer, have been sent
+  std::optional<std::int64_t> times{};
+  std::int64_t struck = 0;  // how often it has happened
+
+  bool isSpent() const { return times && struck >= *times; }
+
+  // True when it closes, breaks or silences the connection.
+  bool breaksOff() const {
+    return kind == FaultKind::Disconnect || kind == FaultKind::Reset || kind == FaultKind::Silence;
+  }
+
+  // True when it stands before a record and never inside one.
+  bool needsWholeRecord() const;
+};
+
+// Device errors have the number that they have in that generation. Throws Failure with a sentence.
+Fault parseFault(const std::string& text, Generation generation);
 
 // One record of the faulty page: where it begins and how far it takes the page.
 struct RecordSpan {
@@ -32,8 +68,7 @@ struct RecordSpan {
   std::int64_t linesAfter = 0;
 };
 
-// How many bytes of this record go out before the fault strikes; nothing when it strikes later. A device error is a
-// record itself and waits for none to be cut.
+// How many bytes of this record go out before the fault strikes; nothing when it strikes later.
 std::optional<std::size_t> strikesWithin(const Fault& fault, const RecordSpan& record);
 
 }  // namespace vscan

@@ -17,7 +17,8 @@ struct ColorRow {
 
 // A scan with automatic colour arrives as colour: what each page really is gets decided from the whole page.
 constexpr ColorRow kColors[] = {
-    {ColorMode::Text, "TEXT", 0, 0},    {ColorMode::ErrorDiffusion, "ERRDIF", 1, 1}, {ColorMode::Grey, "GRAY256", 2, 2},
+    {ColorMode::Text, "TEXT", 0, 0},    {ColorMode::ErrorDiffusion, "ERRDIF", 1, 1},
+    {ColorMode::Grey, "GRAY256", 2, 2}, {ColorMode::Palette, "C256", 3, 3},
     {ColorMode::Color, "C24BIT", 4, 4}, {ColorMode::Automatic, "AUTO", 4, 4},
 };
 
@@ -28,21 +29,15 @@ const ColorRow* findColor(ColorMode mode) {
 
 bool hasBit(std::int64_t mask, int bit) { return (mask >> bit & 1) != 0; }
 
-bool offersThreshold(const Capability& device, std::int64_t threshold) {
-  constexpr int kManualBit = 0;
-  return hasBit(device.at("monoThreshold"), kManualBit) && threshold >= device.at("monoThresholdMin") &&
-         threshold <= device.at("monoThresholdMax");
-}
-
-bool fromFeeder(const Profile& profile, PaperSource wanted, bool feederLoaded, bool bedLoaded) {
+bool fromFeeder(const Abilities& can, PaperSource wanted, bool feederLoaded, bool bedLoaded) {
   if (wanted != PaperSource::Automatic) return wanted == PaperSource::Feeder;
-  if (!profile.hasFeeder() || !profile.hasFlatbed()) return profile.hasFeeder();
+  if (!can.hasFeeder || !can.hasFlatbed) return can.hasFeeder;
   // With nothing anywhere the feeder is the one to say that it is empty.
   return feederLoaded || !bedLoaded;
 }
 
 int grantedDpi(const Profile& profile, Path path, std::size_t axis, const Resolution& wanted) {
-  const std::int64_t optical = profile.capability.at("opticalResolution", 2 * static_cast<std::size_t>(path) + axis);
+  const std::int64_t optical = profile.abilities().of(path).dpi[axis];
   const std::int64_t dpi = wanted.isAutomatic ? kAutomaticDpi : axis == 0 ? wanted.x : wanted.y;
   return static_cast<int>(std::clamp(dpi, profile.minResolution, optical));
 }
@@ -53,33 +48,39 @@ void regrantResolution(const Profile& profile, const Resolution& wanted, Granted
   scan.dpiX = grantedDpi(profile, scan.path, 0, wanted);
   scan.dpiY = grantedDpi(profile, scan.path, 1, wanted);
   scan.maximum = maxArea(profile, scan.path, scan.settings.longPaper, scan.dpiX, scan.dpiY);
+  scan.reach = scan.maximum;
+  if (profile.generation() == Generation::First) {
+    // Hosts of this generation round the width of an area up to whole 16 pixels and count on lines of that width.
+    constexpr int kWidthStepPx = 16;
+    scan.reach.widthPx = (scan.maximum.widthPx + kWidthStepPx - 1) / kWidthStepPx * kWidthStepPx;
+  }
 }
 
 std::variant<GrantedScan, std::string> grantScan(const Profile& profile, const ScanSettings& settings,
                                                  bool feederLoaded, bool bedLoaded) {
   const ColorRow* const color = findColor(settings.color);
   if (color == nullptr) return "the colour mode is not offered";
-  if (!hasBit(profile.capability.at("colorType"), color->colorBit)) {
-    return std::string("colorType of the profile does not offer CLR=") + color->name;
+  const Abilities can = profile.abilities();
+  if (!hasBit(can.colors, color->colorBit)) {
+    return std::string("the profile does not offer the colour mode ") + color->name;
   }
-  const std::int64_t compressions = profile.capability.at("compressType", color->compressPlace);
-  if (!hasBit(compressions, static_cast<int>(settings.compression))) {
-    return "compressType of the profile does not offer this COMP for CLR=" + std::string(color->name);
+  if (!hasBit(can.compressions[color->compressPlace], static_cast<int>(settings.compression))) {
+    return std::string("the profile does not offer this compression for the colour mode ") + color->name;
   }
   if (settings.color == ColorMode::Automatic && settings.compression != Compression::Jpeg) {
-    return "automatic colour needs COMP=JPEG";
+    return "automatic colour needs JPEG";
   }
   if (settings.compression == Compression::Jpeg &&
-      !hasBit(profile.capability.at("jpegSampling"), static_cast<int>(settings.jpegSampling))) {
-    return "jpegSampling of the profile does not offer this JSF";
+      !hasBit(can.jpegSamplings, static_cast<int>(settings.jpegSampling))) {
+    return "the profile does not offer this JPEG sampling";
   }
-  if (settings.threshold && !offersThreshold(profile.capability, *settings.threshold)) {
-    return "monoThreshold of the profile does not offer this THRS";
+  if (settings.threshold && (*settings.threshold < can.thresholdMin || *settings.threshold > can.thresholdMax)) {
+    return "the profile does not offer this threshold";
   }
-  const bool isFed = fromFeeder(profile, settings.source, feederLoaded, bedLoaded);
-  if (isFed && !profile.hasFeeder()) return "this device has no feeder";
-  if (!isFed && !profile.hasFlatbed()) return "this device has no bed";
-  if (isFed && settings.sides != Sides::Front && !profile.hasDuplex()) return "this device cannot scan both sides";
+  const bool isFed = fromFeeder(can, settings.source, feederLoaded, bedLoaded);
+  if (isFed && !can.hasFeeder) return "this device has no feeder";
+  if (!isFed && !can.hasFlatbed) return "this device has no bed";
+  if (isFed && settings.sides != Sides::Front && !can.hasDuplex) return "this device cannot scan both sides";
 
   GrantedScan scan;
   scan.settings = settings;
@@ -88,6 +89,7 @@ std::variant<GrantedScan, std::string> grantScan(const Profile& profile, const S
               : scan.settings.sides == Sides::Front ? Path::FeederOneSide
                                                     : Path::FeederBothSides;
   scan.threshold = static_cast<int>(settings.threshold.value_or(profile.threshold));
+  if (settings.deskew && !can.of(scan.path).straightens) return "this device does not straighten sheets there";
   regrantResolution(profile, settings.resolution, scan);
   return scan;
 }

@@ -16,6 +16,7 @@ struct GrantedScan {
   int dpiX = 0;
   int dpiY = 0;
   Size maximum;  // at that resolution
+  Size reach;    // what an area is cut to; in the first generation a little wider than the maximum
   int threshold = 128;
 };
 

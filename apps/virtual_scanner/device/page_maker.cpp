@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "image/encode_jpeg.h"
+#include "image/palette.h"
 #include "image/resample.h"
 #include "image/tone.h"
 #include "support/failure.h"
@@ -43,8 +44,8 @@ PageColor colorOf(const ScanSettings& settings) {
     case ColorMode::ErrorDiffusion:
       return PageColor::Mono;
     case ColorMode::Grey:
+    case ColorMode::Palette:  // a byte for each pixel, the number of its colour
       return PageColor::Grey;
-    case ColorMode::Palette:
     case ColorMode::Color:
     case ColorMode::Automatic:
       break;
@@ -64,13 +65,14 @@ void encode(const GrantedScan& scan, Raster pixels, const PageOptions& options, 
     return;
   }
   if (options.rawLines) page.compression = Compression::None;
+  page.colorLines = options.colorLines;
   if (page.color == PageColor::Color) {
     pixels = toColor(std::move(pixels));
     page.lineBytes = pixels.lineBytes();
     page.data = std::move(pixels.pixels);
     return;
   }
-  pixels = toGrey(std::move(pixels));
+  pixels = settings.color == ColorMode::Palette ? toPalette(pixels) : toGrey(std::move(pixels));
   if (page.color == PageColor::Grey) {
     page.lineBytes = pixels.lineBytes();
     page.data = std::move(pixels.pixels);
@@ -96,11 +98,17 @@ Raster drawArea(const Raster& sheet, const Rect& sheetRect, const Rect& area) {
   return drawn;
 }
 
+Rect placeFace(const Profile& profile, const GrantedScan& scan, const Face& face) {
+  const Raster sheet = pixelsOf(scan, {face, {}});
+  return placeSheet(profile, scan.path, {sheet.widthPx, sheet.heightPx}, scan.maximum);
+}
+
 Page makePage(const Profile& profile, const GrantedScan& scan, const StartSettings& start, const PageSource& source,
               const PageOptions& options) {
   Raster sheet = pixelsOf(scan, source);
   const Rect sheetRect = placeSheet(profile, scan.path, {sheet.widthPx, sheet.heightPx}, scan.maximum);
-  const Rect area = scannedArea(start.areaKind, start.area, sheetRect, scan.maximum);
+  Rect area = scannedArea(start.areaKind, start.area, sheetRect, scan.reach);
+  if (start.endsWithSheet) area.bottom = std::clamp(sheetRect.bottom, area.top + 1, area.bottom);
   checkSheetSize("the area to be scanned", area.widthPx(), area.heightPx());
 
   Page page;

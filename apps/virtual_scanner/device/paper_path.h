@@ -30,6 +30,9 @@ class Feeder {
 
   bool isEmpty() const { return next_ == faces_.size(); }
 
+  // The face on top of the stack; without a file when it is empty.
+  Face top() const { return isEmpty() ? Face{} : faces_[next_]; }
+
   // The sheets that a scan would meet from here on, at most maxSheets where that is not 0. Of a stack without blank
   // backs a scan of both sides takes two faces as one sheet, a scan of one side a face for each sheet.
   std::vector<FedSheet> upcoming(bool bothSides, std::int64_t maxSheets) const;

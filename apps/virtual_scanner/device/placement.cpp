@@ -24,19 +24,16 @@ int cut(std::int64_t value, int low, int high) {
 }  // namespace
 
 Size maxArea(const Profile& profile, Path path, bool longPaper, int dpiX, int dpiY) {
-  const Capability& device = profile.capability;
-  const std::size_t place = 2 * static_cast<std::size_t>(path);
-  std::int64_t length = device.at("scanSizeMax", place + 1);
-  if (longPaper && path != Path::Flatbed) {
-    length = std::max(length, device.at(path == Path::FeederBothSides ? "longPaperDuplex" : "longPaperSimplex"));
-  }
-  return {std::max(1, toPixels(device.at("scanSizeMax", place), dpiX)), std::max(1, toPixels(length, dpiY))};
+  const PathAbilities can = profile.abilities().of(path);
+  const std::int64_t length = longPaper ? std::max(can.size[1], can.longLength) : can.size[1];
+  return {std::max(1, toPixels(can.size[0], dpiX)), std::max(1, toPixels(length, dpiY))};
 }
 
 Rect placeSheet(const Profile& profile, Path path, Size sheet, Size maximum) {
   const std::size_t place = path == Path::Flatbed ? 0 : 2;
-  const int left = offsetOf(profile.capability.at("paperPosition", place), sheet.widthPx, maximum.widthPx);
-  const int top = offsetOf(profile.capability.at("paperPosition", place + 1), sheet.heightPx, maximum.heightPx);
+  const auto position = profile.abilities().position;
+  const int left = offsetOf(position[place], sheet.widthPx, maximum.widthPx);
+  const int top = offsetOf(position[place + 1], sheet.heightPx, maximum.heightPx);
   return {left, top, left + sheet.widthPx, top + sheet.heightPx};
 }
 

@@ -27,9 +27,6 @@ struct Rect {
   bool operator==(const Rect&) const = default;
 };
 
-// The three geometries of a device, in the order in which the capability answer names them.
-enum class Path { Flatbed, FeederOneSide, FeederBothSides };
-
 // The largest area of a path at a resolution; a long-paper scan in the feeder reaches further down.
 Size maxArea(const Profile& profile, Path path, bool longPaper, int dpiX, int dpiY);
 

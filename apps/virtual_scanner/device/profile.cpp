@@ -21,6 +21,7 @@ struct OwnKey {
 
 constexpr OwnKey kOwnKeys[] = {
     {"firstBodyByte", &Profile::firstBodyByte, 0x10, 0x7F},
+    {"blockBytes", &Profile::blockBytes, 1, 254},
     {"minResolution", &Profile::minResolution, 1, 65535},
     {"threshold", &Profile::threshold, 0, 255},
 };
@@ -53,7 +54,7 @@ void setValue(Profile& profile, const std::string& key, const Json& value) {
     profile.*own.member = number;
     return;
   }
-  if (!Capability::hasField(key)) throw Failure("there is no key \"" + key + "\"");
+  if (!profile.capability.hasField(key)) throw Failure("there is no key \"" + key + "\"");
   if (!value.is_array()) {
     profile.capability.set(key, 0, numberFrom(value, key));
     return;
@@ -65,21 +66,38 @@ void setValue(Profile& profile, const std::string& key, const Json& value) {
 
 // The device works with these; a profile that contradicts itself is refused before a host meets it.
 void checkProfile(const Profile& profile) {
-  if (!profile.hasFlatbed() && !profile.hasFeeder())
-    throw Failure("paperSource names neither a feeder (1) nor a bed (2)");
-  const auto needed = [&](const char* key, std::size_t place, std::int64_t minimum) {
-    if (profile.capability.at(key, place) < minimum) {
-      throw Failure(std::string(key) + "[" + std::to_string(place) + "] has to be at least " + std::to_string(minimum));
-    }
-  };
-  for (const std::size_t axis : {0u, 1u}) {
-    for (const std::size_t source : {0u, 2u, 4u}) {
-      const bool isUsed = source == 0 ? profile.hasFlatbed() : source == 2 ? profile.hasFeeder() : profile.hasDuplex();
-      if (!isUsed) continue;
-      needed("opticalResolution", source + axis, profile.minResolution);
-      needed("scanSizeMax", source + axis, 1);
+  const Abilities can = profile.abilities();
+  if (!can.hasFlatbed && !can.hasFeeder) {
+    throw Failure(profile.generation() == Generation::First ? "flatbedMaxX and adfMaxX are 0: neither bed nor feeder"
+                                                            : "paperSource names neither a feeder (1) nor a bed (2)");
+  }
+  const std::int64_t version = profile.generation() == Generation::First ? profile.capability.at("version") : 0;
+  if (version >= 0x10 && version <= 0x7F) {
+    throw Failure("version " + std::to_string(version) + " tells hosts that this is a second-generation device");
+  }
+  const struct {
+    const char* name;
+    bool isUsed;
+  } paths[] = {{"the bed", can.hasFlatbed},
+               {"one side in the feeder", can.hasFeeder},
+               {"both sides in the feeder", can.hasDuplex}};
+  for (std::size_t path = 0; path < can.paths.size(); ++path) {
+    if (!paths[path].isUsed) continue;
+    for (std::size_t axis = 0; axis < 2; ++axis) {
+      const std::string what = std::string(paths[path].name) + (axis == 0 ? ", x" : ", y");
+      if (can.paths[path].dpi[axis] < profile.minResolution) {
+        throw Failure("the optical resolution of " + what + ", has to be at least minResolution");
+      }
+      if (can.paths[path].size[axis] < 1) throw Failure("the largest area of " + what + ", has to be at least 1");
     }
   }
+}
+
+Generation generationOf(const Json& root) {
+  if (!root.contains("generation")) return Generation::Second;
+  const std::int64_t number = numberFrom(root["generation"], "generation");
+  if (number != 1 && number != 2) throw Failure("generation is 1 or 2");
+  return static_cast<Generation>(number);
 }
 
 }  // namespace
@@ -89,16 +107,15 @@ Profile parseProfile(std::string_view json, const std::string& fileName) {
     const Json root = Json::parse(json);
     if (!root.is_object()) throw Failure("a profile is a JSON object");
     Profile profile;
+    profile.capability = Capability(generationOf(root));
     for (const auto& [key, value] : root.items()) {
       if (key == "name") {
         if (!value.is_string()) throw Failure("name needs a text");
         profile.name = value.get<std::string>();
-      } else if (key == "generation") {
-        if (numberFrom(value, key) != 2) throw Failure("generation: this scanner speaks generation 2");
       } else if (key == "capability") {
         if (!value.is_object()) throw Failure("capability needs an object of fields");
         for (const auto& [field, fieldValue] : value.items()) setValue(profile, field, fieldValue);
-      } else {
+      } else if (key != "generation") {
         setValue(profile, key, value);
       }
     }

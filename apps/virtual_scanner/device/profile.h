@@ -6,20 +6,21 @@
 #include <string>
 #include <string_view>
 
+#include "device/abilities.h"
 #include "protocol/capability.h"
 
 namespace vscan {
 
 struct Profile {
   std::string name;
-  std::int64_t firstBodyByte = 0x12;  // of the answer to Q: 0x10 to 0x7F is the second generation
+  std::int64_t firstBodyByte = 0x12;  // of the second generation's answer to Q: 0x10 to 0x7F
+  std::int64_t blockBytes = 73;       // of the first generation's answer to Q: an older device sends fewer
   std::int64_t minResolution = 50;    // dots per inch
   std::int64_t threshold = 128;       // of a mono scan that names none
-  Capability capability;
+  Capability capability{Generation::Second};
 
-  bool hasFlatbed() const { return (capability.at("paperSource") & 2) != 0; }
-  bool hasFeeder() const { return (capability.at("paperSource") & 1) != 0; }
-  bool hasDuplex() const { return hasFeeder() && capability.at("duplex") != 0; }
+  Generation generation() const { return capability.generation(); }
+  Abilities abilities() const { return abilitiesOf(capability); }
 };
 
 // All three throw Failure with a sentence that names the file, the key and what is wrong.

@@ -4,9 +4,10 @@
 #include <cstdio>
 #include <limits>
 
-#include "protocol/answers.h"
+#include "device/fault_effects.h"
+#include "protocol/answer.h"
+#include "protocol/gen1_commands.h"
 #include "protocol/gen2_commands.h"
-#include "protocol/stream_records.h"
 #include "support/failure.h"
 
 namespace vscan {
@@ -23,13 +24,18 @@ std::string hexCode(std::uint8_t code) {
 }  // namespace
 
 ScanRun::ScanRun(Device& device, Connection& connection, Log& log, const GrantedScan& scan, const StartSettings& start)
-    : device_(device), connection_(connection), log_(log), scan_(scan), start_(start) {}
+    : device_(device),
+      connection_(connection),
+      log_(log),
+      scan_(scan),
+      start_(start),
+      stream_(streamOf(device.profile.generation())) {}
 
 void ScanRun::run() {
   planPages();
   const bool isFed = scan_.path != Path::Flatbed;
   if (plans_.empty()) {
-    fail(gen2::kFeederEmpty, isFed ? "the feeder is empty" : "nothing lies on the bed and the feeder is empty");
+    fail(DeviceError::FeederEmpty, isFed ? "the feeder is empty" : "nothing lies on the bed and the feeder is empty");
     return;
   }
   const auto began = Connection::Clock::now();
@@ -47,7 +53,7 @@ void ScanRun::run() {
 void ScanRun::planPages() {
   if (scan_.path == Path::Flatbed) {
     // Asked for by name, the bed is scanned also when nothing lies on it.
-    if (device_.bed.file || scan_.settings.source == PaperSource::Flatbed || !device_.profile.hasFeeder()) {
+    if (device_.bed.file || scan_.settings.source == PaperSource::Flatbed || !device_.profile.abilities().hasFeeder) {
       plans_.push_back({{device_.bed, {}}, 0});
     }
     return;
@@ -58,7 +64,7 @@ void ScanRun::planPages() {
     if (sides != Sides::BackOnly) plans_.push_back({{sheets_[i].front, {}}, i});
     if (sides != Sides::Front) plans_.push_back({{sheets_[i].back, sheets_[i].front}, i});
   }
-  plans_.resize(std::min<std::size_t>(plans_.size(), std::numeric_limits<std::uint16_t>::max()));
+  plans_.resize(std::min<std::size_t>(plans_.size(), std::numeric_limits<std::int16_t>::max()));
 }
 
 std::future<Page> ScanRun::startMaking(std::size_t index) const {
@@ -71,101 +77,177 @@ std::future<Page> ScanRun::startMaking(std::size_t index) const {
 ScanRun::Outcome ScanRun::sendPages() {
   std::future<Page> upcoming = startMaking(0);
   for (currentPlan_ = 0; currentPlan_ < plans_.size(); ++currentPlan_) {
-    Page page;
+    Outcome outcome = Outcome::Going;
     try {
-      page = upcoming.get();
+      page_ = upcoming.get();
+      upcoming = startMaking(currentPlan_ + 1);
+      outcome = sendPage();
     } catch (const Failure& failure) {
-      return fail(gen2::kInternalFault, failure.what());
+      outcome = fail(DeviceError::InternalFault, failure.what());
     } catch (const std::bad_alloc&) {
-      return fail(gen2::kInternalFault, "there is not enough memory for the page");
+      outcome = fail(DeviceError::OutOfMemory, "there is not enough memory for the page");
     }
-    upcoming = startMaking(currentPlan_ + 1);
-    const Outcome outcome = sendPage(static_cast<std::uint16_t>(currentPlan_ + 1), page);
     if (outcome != Outcome::Going) return outcome;
   }
-  return endWith(gen2::allPagesEnd(), Outcome::Finished);
+  return endWith(stream_.allPagesEnd(), Outcome::Finished);
 }
 
-ScanRun::Outcome ScanRun::sendPage(std::uint16_t number, const Page& page) {
-  const auto& faults = device_.options.faults;
-  const auto found = std::find_if(faults.begin(), faults.end(), [&](const Fault& f) { return f.page == number; });
-  fault_ = found == faults.end() ? nullptr : &*found;
+ScanRun::Outcome ScanRun::sendPage() {
+  pageNumber_ = static_cast<std::uint16_t>(currentPlan_ + 1);
   pageBytes_ = 0;
-
-  const bool whiteLines = page.color == PageColor::Mono
+  isCutShort_ = false;
+  faults_.clear();
+  for (Fault& fault : device_.options.faults) {
+    if (fault.page == pageNumber_ && !fault.isSpent()) faults_.push_back(&fault);
+  }
+  const bool whiteLines = page_.color == PageColor::Mono
                               ? device_.options.whiteLinesInMono
-                              : page.color == PageColor::Grey && device_.options.whiteLinesInGrey;
-  gen2::PageRecords records(number, page, whiteLines);
+                              : page_.color == PageColor::Grey && device_.options.whiteLinesInGrey;
+  const auto records = stream_.cut(pageNumber_, page_, whiteLines);
+  Outcome outcome = sendLines(*records);
+  if (outcome != Outcome::Going) return outcome;
+  const int lines = page_.heightPx;
+  outcome = sendRecord(stream_.findings(pageNumber_, page_), lines, lines);
+  // A place behind the last line is the page's end.
+  while (outcome == Outcome::Going && !faults_.empty()) {
+    Fault& fault = *faults_.front();
+    faults_.erase(faults_.begin());
+    Bytes nothing;
+    std::size_t done = 0;
+    outcome = strike(fault, nothing, done);
+  }
+  if (outcome == Outcome::Going) outcome = pace();
+  if (outcome == Outcome::Going) outcome = sendRecord(stream_.pageEnd(pageNumber_, page_), lines, lines);
+  return outcome == Outcome::Going ? flush() : outcome;
+}
+
+ScanRun::Outcome ScanRun::sendLines(PageRecords& records) {
   Bytes record;
   int linesBefore = 0;
-  while (records.next(record)) {
-    const Outcome outcome = sendRecord(record, linesBefore, records.linesDone());
+  while (!isCutShort_ && records.next(record)) {
+    const Outcome outcome = sendRecord(std::move(record), linesBefore, records.linesDone());
     if (outcome != Outcome::Going) return outcome;
     linesBefore = records.linesDone();
     record.clear();
   }
-  // The size closes the page rather than opens it: a host that reads it first would take the page's form from it,
-  // which it does not tell, and a height that stands before the lines would count against them. A page that is found
-  // blank sends it as the record that names the page, without which its end would count for nothing.
-  if (page.tellsSize || page.isBlank) {
-    const Bytes size =
-        gen2::pageSize(number, static_cast<std::uint32_t>(page.widthPx), static_cast<std::uint32_t>(page.heightPx));
-    const Outcome outcome = sendRecord(size, linesBefore, linesBefore);
-    if (outcome != Outcome::Going) return outcome;
-  }
-  if (fault_ != nullptr) return strike(*fault_);  // a place behind the last line is the page's end
-  if (device_.options.pagesPerMinute > 0) {
-    if (flush() == Outcome::Lost) return Outcome::Lost;
-    const std::chrono::duration<double> perPage(60 / device_.options.pagesPerMinute);
-    nextPageMayEnd_ = std::max(nextPageMayEnd_, Connection::Clock::now() - std::chrono::seconds(1)) +
-                      std::chrono::duration_cast<Connection::Clock::duration>(perPage);
-    while (Connection::Clock::now() < nextPageMayEnd_) {
-      if (!connection_.idleUntil(nextPageMayEnd_)) return Outcome::Lost;
-      const Outcome outcome = heedCommands();
-      if (outcome != Outcome::Going) return outcome;
-    }
-  }
-  const Outcome outcome =
-      sendRecord(page.isBlank ? gen2::blankPageEnd(number) : gen2::pageEnd(number), linesBefore, linesBefore);
-  return outcome == Outcome::Going ? flush() : outcome;
+  return Outcome::Going;
 }
 
-ScanRun::Outcome ScanRun::sendRecord(const Bytes& record, int linesBefore, int linesAfter) {
-  if (fault_ != nullptr) {
-    const auto size = static_cast<std::int64_t>(record.size());
-    if (const auto cut = strikesWithin(*fault_, {pageBytes_, size, linesBefore, linesAfter})) {
-      buffer_.insert(buffer_.end(), record.begin(), record.begin() + static_cast<std::ptrdiff_t>(*cut));
-      return strike(*fault_);
-    }
+ScanRun::Outcome ScanRun::sendRecord(Bytes record, int linesBefore, int linesAfter) {
+  const RecordSpan span{pageBytes_, static_cast<std::int64_t>(record.size()), linesBefore, linesAfter};
+  pageBytes_ += span.bytes;
+  std::size_t done = 0;
+  std::size_t cut = 0;
+  const auto pass = [&](std::size_t end) {
+    buffer_.insert(buffer_.end(), record.begin() + static_cast<std::ptrdiff_t>(done),
+                   record.begin() + static_cast<std::ptrdiff_t>(end));
+    done = end;
+  };
+  while (Fault* const fault = takeFault(record, span, cut)) {
+    if (cut > done) pass(std::min(cut, record.size()));
+    const Outcome outcome = strike(*fault, record, done);
+    if (outcome != Outcome::Going) return outcome;
   }
-  pageBytes_ += static_cast<std::int64_t>(record.size());
-  buffer_.insert(buffer_.end(), record.begin(), record.end());
+  pass(record.size());
   return buffer_.size() < kFlushBytes ? Outcome::Going : flush();
 }
 
-ScanRun::Outcome ScanRun::strike(const Fault& fault) {
-  const std::string where = " on page " + std::to_string(fault.page);
-  if (fault.kind == FaultKind::Device) return fail(fault.deviceError, "a fault was asked for" + where);
-  const bool isSent = connection_.send(buffer_);
-  buffer_.clear();
-  if (!isSent) return Outcome::Lost;
+// The fault that strikes first within this record, no longer pending then; null when there is none.
+Fault* ScanRun::takeFault(const Bytes& record, const RecordSpan& span, std::size_t& cut) {
+  auto first = faults_.end();
+  for (auto it = faults_.begin(); it != faults_.end(); ++it) {
+    if ((*it)->kind == FaultKind::WrongLength && stream_.sizeField(record).bytes == 0) continue;
+    const auto place = record.empty() ? std::nullopt : strikesWithin(**it, span);
+    if (!place || (first != faults_.end() && *place >= cut)) continue;
+    first = it;
+    cut = *place;
+  }
+  if (first == faults_.end()) return nullptr;
+  Fault* const fault = *first;
+  faults_.erase(first);
+  return fault;
+}
+
+// done: how much of the record has been passed on.
+ScanRun::Outcome ScanRun::strike(Fault& fault, Bytes& record, std::size_t& done) {
+  ++fault.struck;
+  const auto insert = [&](const Bytes& bytes) { buffer_.insert(buffer_.end(), bytes.begin(), bytes.end()); };
+  const auto seconds = static_cast<std::uint16_t>(fault.value);
+  log_.detail("--fault " + fault.text + " strikes");
   switch (fault.kind) {
     case FaultKind::Disconnect:
-      log_.note("closing the connection, as asked for" + where);
-      connection_.close();
-      break;
     case FaultKind::Reset:
-      log_.note("resetting the connection, as asked for" + where);
-      connection_.reset();
-      break;
     case FaultKind::Silence:
-      log_.note("falling silent, as asked for" + where);
-      connection_.playDead();
-      break;
+      if (connection_.send(buffer_)) breakOff(connection_, fault, log_);
+      buffer_.clear();
+      return Outcome::Lost;
     case FaultKind::Device:
+      return fail(static_cast<std::uint8_t>(fault.value), "--fault " + fault.text);
+    case FaultKind::DoubleFeed:
+      if (!scan_.settings.findsDoubleFeeds || scan_.settings.goesOnAfterDoubleFeed) break;
+      return fail(DeviceError::DoubleFeed, "--fault " + fault.text);
+    case FaultKind::StopKey:
+      return endWith(stream_.stoppedByKey(), Outcome::Ended);
+    case FaultKind::TooLong:
+      page_.isTooLong = true;
+      isCutShort_ = true;
+      done = record.size();
       break;
+    case FaultKind::TimerRestart:
+      insert(stream_.timerRestart(seconds));
+      break;
+    case FaultKind::TimerExtend:
+      insert(stream_.timerExtend(seconds));
+      break;
+    case FaultKind::FailedCheck:
+      insert(stream_.failedCheck(static_cast<FailedCheck>(fault.value), pageNumber_, page_));
+      break;
+    case FaultKind::Garbage:
+      insert(fault.bytes);
+      break;
+    case FaultKind::WrongLength: {
+      const SizeField field = stream_.sizeField(record);
+      putLe(record, field.at, field.bytes, static_cast<std::uint64_t>(fault.value));
+      break;
+    }
+    case FaultKind::Short:
+      done = record.size();
+      break;
+    case FaultKind::Pause: {
+      const Outcome flushed = flush();
+      if (flushed != Outcome::Going) return flushed;
+      return waitUntil(Connection::Clock::now() + std::chrono::milliseconds(fault.value));
+    }
+    case FaultKind::Drip: {
+      const Outcome flushed = flush();
+      connection_.setDrip({static_cast<std::size_t>(fault.value), std::chrono::milliseconds(fault.pauseMs)});
+      return flushed;
+    }
+    case FaultKind::WrongSignature:
+      break;  // of answers only
   }
-  return Outcome::Lost;
+  return Outcome::Going;
+}
+
+// Waits, hearing an abort.
+ScanRun::Outcome ScanRun::waitUntil(Connection::Clock::time_point time) {
+  while (Connection::Clock::now() < time) {
+    if (!connection_.idleUntil(time)) return Outcome::Lost;
+    const Outcome outcome = heedCommands();
+    if (outcome != Outcome::Going) return outcome;
+  }
+  return Outcome::Going;
+}
+
+// Holds the page's end back until the paper would have passed.
+ScanRun::Outcome ScanRun::pace() {
+  if (device_.options.pagesPerMinute <= 0) return Outcome::Going;
+  const Outcome flushed = flush();
+  if (flushed != Outcome::Going) return flushed;
+  const std::chrono::duration<double> perPage(60 / device_.options.pagesPerMinute);
+  nextPageMayEnd_ = std::max(nextPageMayEnd_, Connection::Clock::now() - std::chrono::seconds(1)) +
+                    std::chrono::duration_cast<Connection::Clock::duration>(perPage);
+  return waitUntil(nextPageMayEnd_);
 }
 
 ScanRun::Outcome ScanRun::flush() {
@@ -179,20 +261,22 @@ ScanRun::Outcome ScanRun::heedCommands() {
   const auto command = connection_.takeCommand();
   if (!command) return Outcome::Going;
   if (const auto* bad = std::get_if<BadFrame>(&*command)) {
-    return fail(gen2::kSettingsNotPossible,
+    return fail(DeviceError::SettingsNotPossible,
                 "malformed command during the scan: " + bad->sentence + ": " + hexBytes(bad->bytes));
   }
   const auto& frame = std::get<Frame>(*command);
+  const bool isFirst = device_.profile.generation() == Generation::First;
+  if (frame.mnemonic != (isFirst ? "R" : "ABT")) {
+    return fail(DeviceError::SettingsNotPossible, "only an abort is possible during a scan: " + hexBytes(frame.bytes));
+  }
   Abort abort;
-  if (frame.mnemonic != "ABT") {
-    return fail(gen2::kSettingsNotPossible, "only an abort is possible during a scan: " + hexBytes(frame.bytes));
+  if (const auto refusal = isFirst ? gen1::readNoLines(frame) : gen2::readAbort(frame, abort)) {
+    return fail(DeviceError::SettingsNotPossible,
+                "abort refused: " + refusal->sentence + ": " + hexBytes(refusal->bytes));
   }
-  if (const auto refusal = gen2::readAbort(frame, abort)) {
-    return fail(gen2::kSettingsNotPossible, "abort refused: " + refusal->sentence + ": " + hexBytes(refusal->bytes));
-  }
-  log_.detail("<- " + hexBytes(frame.bytes) + "  ABT");
+  log_.detail("<- " + hexBytes(frame.bytes) + "  " + frame.mnemonic);
   ejection_ = abort.ejection;
-  return endWith(gen2::stoppedByCancel(), Outcome::Ended);
+  return endWith(stream_.stoppedByHost(), Outcome::Ended);
 }
 
 ScanRun::Outcome ScanRun::endWith(const Bytes& record, Outcome outcome) {
@@ -203,9 +287,13 @@ ScanRun::Outcome ScanRun::endWith(const Bytes& record, Outcome outcome) {
   return isSent ? outcome : Outcome::Lost;
 }
 
-ScanRun::Outcome ScanRun::fail(std::uint8_t deviceError, const std::string& why) {
-  log_.note("scan ended with device error " + hexCode(deviceError) + ": " + why);
-  return endWith(gen2::deviceError(deviceError), Outcome::Ended);
+ScanRun::Outcome ScanRun::fail(std::uint8_t code, const std::string& why) {
+  log_.note("scan ended with device error " + hexCode(code) + ": " + why);
+  return endWith(stream_.deviceError(code), Outcome::Ended);
+}
+
+ScanRun::Outcome ScanRun::fail(DeviceError error, const std::string& why) {
+  return fail(codeOf(error, device_.profile.generation()), why);
 }
 
 void ScanRun::eject() {

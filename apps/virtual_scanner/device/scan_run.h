@@ -12,6 +12,8 @@
 
 #include "device/device.h"
 #include "net/connection.h"
+#include "protocol/device_errors.h"
+#include "protocol/stream.h"
 
 namespace vscan {
 
@@ -34,13 +36,18 @@ class ScanRun {
   void planPages();
   std::future<Page> startMaking(std::size_t index) const;
   Outcome sendPages();
-  Outcome sendPage(std::uint16_t number, const Page& page);
-  Outcome sendRecord(const Bytes& record, int linesBefore, int linesAfter);
-  Outcome strike(const Fault& fault);
+  Outcome sendPage();
+  Outcome sendLines(PageRecords& records);
+  Outcome sendRecord(Bytes record, int linesBefore, int linesAfter);
+  Fault* takeFault(const Bytes& record, const RecordSpan& span, std::size_t& cut);
+  Outcome strike(Fault& fault, Bytes& record, std::size_t& done);
+  Outcome waitUntil(Connection::Clock::time_point time);
+  Outcome pace();
   Outcome flush();
   Outcome heedCommands();
   Outcome endWith(const Bytes& record, Outcome outcome);
-  Outcome fail(std::uint8_t deviceError, const std::string& why);
+  Outcome fail(std::uint8_t code, const std::string& why);
+  Outcome fail(DeviceError error, const std::string& why);
   void eject();
 
   Device& device_;
@@ -48,6 +55,7 @@ class ScanRun {
   Log& log_;
   const GrantedScan scan_;
   const StartSettings start_;
+  const Stream& stream_;
 
   std::vector<FedSheet> sheets_;
   std::vector<Plan> plans_;
@@ -56,8 +64,11 @@ class ScanRun {
 
   // The page that is going out.
   Connection::Clock::time_point nextPageMayEnd_{};
-  const Fault* fault_ = nullptr;
+  std::uint16_t pageNumber_ = 0;
+  Page page_;
+  std::vector<Fault*> faults_;  // of this page that have not struck yet
   std::int64_t pageBytes_ = 0;
+  bool isCutShort_ = false;  // by a fault: no more lines
   Bytes buffer_;
 };
 

@@ -60,16 +60,18 @@ bool Connection::send(std::span<const std::uint8_t> bytes) {
     const std::size_t count = drip_.chunkBytes == 0 ? bytes.size() : std::min(drip_.chunkBytes, bytes.size());
     if (!sendChunk(bytes.first(count))) return false;
     bytes = bytes.subspan(count);
-    pause(drip_.pause);
+    if (!pause(drip_.pause)) return false;
   }
   return isOpen();
 }
 
-void Connection::pause(std::chrono::milliseconds time) {
+bool Connection::pause(std::chrono::milliseconds time) {
   const auto end = Clock::now() + time;
   short happened = 0;
-  while (Clock::now() < end && waitFor(0, end, happened)) {
+  while (Clock::now() < end) {
+    if (!waitFor(0, end, happened)) return false;
   }
+  return isOpen();
 }
 
 bool Connection::sendChunk(std::span<const std::uint8_t> bytes) {

@@ -37,6 +37,12 @@ class Connection {
   // Waits, collecting what comes in, until then or until a command is there. False as with send.
   bool idleUntil(Clock::time_point time);
 
+  // Waits that long, collecting what comes in. False as with send.
+  bool pause(std::chrono::milliseconds time);
+
+  // How what is sent from now on is handed to the line.
+  void setDrip(Drip drip) { drip_ = drip; }
+
   // Sends nothing and throws away what comes, until the host is gone or the scanner is to stop.
   void playDead();
 
@@ -46,7 +52,6 @@ class Connection {
   bool isOpen() const { return static_cast<bool>(socket_); }
 
  private:
-  void pause(std::chrono::milliseconds time);
   void waitUntilTaken();
 
   // Waits until one of the poll events, the time or input that was read. False when the connection is over.
@@ -56,7 +61,7 @@ class Connection {
 
   UniqueFd socket_;
   const int stopFd_;
-  const Drip drip_;
+  Drip drip_;
   FrameReader reader_;
 };
 

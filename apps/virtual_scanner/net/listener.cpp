@@ -55,6 +55,17 @@ std::string boundAddress(int fd) {
 
 UniqueFd newSocket(int family) { return UniqueFd(::socket(family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)); }
 
+sockaddr_un unixAddress(const std::string& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  if (path.empty() || path.size() >= sizeof address.sun_path) {
+    throw Failure("the path of a Unix socket has 1 to " + std::to_string(sizeof address.sun_path - 1) + " bytes; \"" +
+                  path + "\" does not fit");
+  }
+  std::memcpy(address.sun_path, path.c_str(), path.size());
+  return address;
+}
+
 bool isListenedOn(const sockaddr_un& address) {
   const UniqueFd probe = newSocket(AF_UNIX);
   return probe && (::connect(probe.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 ||
@@ -95,13 +106,7 @@ Listener Listener::onTcp(const std::string& hostAndPort) {
 }
 
 Listener Listener::onUnix(const std::string& path) {
-  sockaddr_un address{};
-  address.sun_family = AF_UNIX;
-  if (path.empty() || path.size() >= sizeof address.sun_path) {
-    throw Failure("the path of a Unix socket has 1 to " + std::to_string(sizeof address.sun_path - 1) + " bytes; \"" +
-                  path + "\" does not fit");
-  }
-  std::memcpy(address.sun_path, path.c_str(), path.size());
+  const sockaddr_un address = unixAddress(path);
   struct stat there {};
   if (::lstat(path.c_str(), &there) == 0) {
     if (!S_ISSOCK(there.st_mode)) throw Failure(path + " is there already and is no socket");
@@ -123,6 +128,15 @@ UniqueFd Listener::accept() const {
   if (host) ::setsockopt(host.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
   if (host) ::setsockopt(host.get(), SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
   return host;
+}
+
+UniqueFd connectUnix(const std::string& path) {
+  const sockaddr_un address = unixAddress(path);
+  UniqueFd fd(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  if (!fd || ::connect(fd.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    throw Failure("cannot reach a scanner behind " + path + ": " + std::strerror(errno));
+  }
+  return fd;
 }
 
 }  // namespace vscan

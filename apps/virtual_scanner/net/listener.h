@@ -35,4 +35,7 @@ class Listener {
   std::string socketPath_;  // to be removed; empty for TCP and after a move
 };
 
+// A blocking connection to such a socket. Throws Failure when nobody listens there.
+UniqueFd connectUnix(const std::string& path);
+
 }  // namespace vscan

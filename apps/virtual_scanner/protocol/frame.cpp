@@ -35,8 +35,12 @@ Command parseFrame(Bytes bytes) {
       continue;
     }
     const auto equals = text.find('=');
-    if (equals == std::string::npos || !isName(text.substr(0, equals))) return bad("each line reads KEY=VALUE");
-    frame.lines.push_back({text.substr(0, equals), text.substr(equals + 1)});
+    if (!isName(text.substr(0, equals))) return bad("each line reads KEY=VALUE or is one word");
+    if (equals == std::string::npos) {
+      frame.lines.push_back({"", text});
+    } else {
+      frame.lines.push_back({text.substr(0, equals), text.substr(equals + 1)});
+    }
   }
   frame.bytes = std::move(bytes);
   return frame;

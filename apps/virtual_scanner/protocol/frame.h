@@ -1,5 +1,6 @@
 // Cuts the bytes of a connection into command frames:
-//   0x1B, mnemonic, 0x0A, any number of lines KEY=VALUE each ended by 0x0A, 0x80.
+//   0x1B, mnemonic, 0x0A, any number of lines each ended by 0x0A, 0x80.
+// A line reads KEY=VALUE; two commands of the first generation have a line that is one word.
 // A frame has neither length nor checksum; 0x80 alone ends it. What is no frame comes out as a BadFrame, up to and
 // with its 0x80, so that the next command is found again.
 // Threads: one.
@@ -16,7 +17,7 @@
 namespace vscan {
 
 struct FrameLine {
-  std::string key;
+  std::string key;  // empty: the line is one word, the value
   std::string value;
 };
 

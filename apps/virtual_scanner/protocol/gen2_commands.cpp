@@ -143,14 +143,20 @@ constexpr KeyRow<ScanSettings> kScanKeys[] = {
      [](Text text, ScanSettings&) {
        return oneOf(text, {"OFF", "AUTO", "ON"});
      }},
-    {"RMGC", false, checkSwitch},
-    {"DTDF", false, checkSwitch},
+    {"RMGC", false, [](Text text, ScanSettings& s) { return readSwitch(text, s.backgroundRemoval); }},
+    {"DTDF", false,
+     [](Text text, ScanSettings& s) {
+       Switch detection;
+       const bool isRead = readSwitch(text, detection);
+       s.findsDoubleFeeds = detection.isOn;
+       return isRead;
+     }},
     {"OPDF", true,
-     [](Text text, ScanSettings&) {
-       return oneOf(text, {"CONT", "STOP"});
+     [](Text text, ScanSettings& s) {
+       return readWord<bool>(text, {{"CONT", true}, {"STOP", false}}, s.goesOnAfterDoubleFeed);
      }},
     {"DT4V", false, checkOnOff},
-    {"DSKW", false, checkOnOff},
+    {"DSKW", false, [](Text text, ScanSettings& s) { return readOnOff(text, s.deskew); }},
     {"LSMD", false, checkOnOff},
     {"RMBP", false, [](Text text, ScanSettings& s) { return readSwitch(text, s.blankRemoval); }},
     {"RMMR", false, checkOnOff},

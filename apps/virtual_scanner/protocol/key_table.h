@@ -11,7 +11,7 @@ namespace vscan {
 
 template <class Settings>
 struct KeyRow {
-  std::string_view key;
+  std::string_view key;  // empty: a line that is one word
   bool isOptional;
   // False when the value is none that the key can have.
   bool (*read)(std::string_view value, Settings& settings);
@@ -23,7 +23,7 @@ struct Refusal {
 };
 
 inline Refusal refuseLine(const FrameLine& line, const std::string& sentence) {
-  const std::string text = line.key + "=" + line.value;
+  const std::string text = line.key.empty() ? line.value : line.key + "=" + line.value;
   return {sentence, Bytes(text.begin(), text.end())};
 }
 
@@ -37,12 +37,16 @@ std::optional<Refusal> readLines(std::span<const KeyRow<Settings>> rows, const F
     if (row == rows.end() || row->key != line.key) {
       bool known = false;
       for (const auto& any : rows) known = known || any.key == line.key;
-      if (!known) return refuseLine(line, frame.mnemonic + " has no key " + line.key);
+      if (!known) {
+        return refuseLine(line,
+                          frame.mnemonic + (line.key.empty() ? " has no line of one word" : " has no key " + line.key));
+      }
       const std::string expected = row == rows.end() ? "the end of the command" : std::string(row->key);
       return refuseLine(line, "key " + line.key + " stands in the wrong place; expected " + expected);
     }
     if (!row->read(line.value, settings)) {
-      return refuseLine(line, "\"" + line.value + "\" is no value of key " + line.key);
+      return refuseLine(
+          line, "\"" + line.value + "\" is no value of " + (line.key.empty() ? frame.mnemonic : "key " + line.key));
     }
     ++row;
   }

@@ -46,6 +46,10 @@ struct ScanSettings {
   JpegSampling jpegSampling = JpegSampling::Yuv444;
   std::int64_t maxSheets = 0;  // 0 = all there are
   bool longPaper = false;
+  Switch backgroundRemoval;
+  bool findsDoubleFeeds = false;
+  bool goesOnAfterDoubleFeed = false;
+  bool deskew = false;
   Switch blankRemoval;
   std::string userName;
 };
@@ -54,6 +58,7 @@ struct StartSettings {
   Resolution resolution;
   AreaKind areaKind = AreaKind::Normal;
   std::array<std::int64_t, 4> area{};  // left, top, right, bottom; pixels; for AreaKind::Normal only
+  bool endsWithSheet = false;          // a page ends where its sheet does, if that is above the end of the area
 };
 
 struct DocumentCheck {

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <memory>
+#include <mutex>
 
 #include "sheets/sheet_file.h"
 #include "support/failure.h"
@@ -14,9 +15,16 @@ namespace {
 
 constexpr double kPointsPerInch = 72;
 
+// The library's documents share fonts and settings: one thread at a time, whichever scanner it works for.
+std::mutex& popplerMutex() {
+  static std::mutex mutex;
+  return mutex;
+}
+
 class PdfFile final : public SheetFile {
  public:
   explicit PdfFile(const std::string& path) : SheetFile(path) {
+    const std::lock_guard lock(popplerMutex());
     poppler::set_debug_error_function([](const std::string&, void*) {}, nullptr);
     document_.reset(poppler::document::load_from_file(path));
     if (!document_) throw Failure(path + " is broken or not a PDF");
@@ -28,6 +36,7 @@ class PdfFile final : public SheetFile {
   bool hasResolution() const override { return true; }
 
   Sheet load(int page, int dpiX, int dpiY) const override {
+    const std::lock_guard lock(popplerMutex());
     const std::unique_ptr<poppler::page> drawn(document_->create_page(page));
     const std::string name = path() + ", page " + std::to_string(page + 1) + ",";
     if (!drawn) throw Failure(name + " is broken");

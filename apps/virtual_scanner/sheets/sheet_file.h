@@ -1,6 +1,6 @@
 // The pages of a picture file: PNG, JPEG, TIFF (every directory) or PDF (every page), told by their first bytes.
 // A file without a resolution of its own counts as 300 dpi.
-// Threads: load() is reentrant but for PDF, whose pages are to be loaded by one thread at a time.
+// Threads: load() may be called by any.
 #pragma once
 #include <memory>
 #include <string>

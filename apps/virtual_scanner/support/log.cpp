@@ -4,7 +4,8 @@
 
 namespace vscan {
 
-Log::Log(bool verbose, Sink sink) : verbose_(verbose), sink_(std::move(sink)) {}
+Log::Log(bool verbose, Sink sink, std::string name)
+    : verbose_(verbose), sink_(std::move(sink)), prefix_(name.empty() ? "" : name + ": ") {}
 
 void Log::note(std::string_view line) { write(line); }
 
@@ -18,7 +19,7 @@ void Log::write(std::string_view line) {
     sink_(std::string(line));
     return;
   }
-  std::fprintf(stderr, "qs-virtual-scanner: %.*s\n", static_cast<int>(line.size()), line.data());
+  std::fprintf(stderr, "qs-virtual-scanner: %s%.*s\n", prefix_.c_str(), static_cast<int>(line.size()), line.data());
 }
 
 std::string hexBytes(std::span<const std::uint8_t> bytes, std::size_t limitBytes) {

@@ -14,8 +14,8 @@ class Log {
  public:
   using Sink = std::function<void(const std::string& line)>;
 
-  // Writes to stderr when sink is empty.
-  explicit Log(bool verbose, Sink sink = {});
+  // Writes to stderr when sink is empty. The name, if any, stands before each line there.
+  explicit Log(bool verbose, Sink sink = {}, std::string name = {});
 
   void note(std::string_view line);    // always written
   void detail(std::string_view line);  // written with --verbose only
@@ -26,6 +26,7 @@ class Log {
 
   const bool verbose_;
   const Sink sink_;
+  const std::string prefix_;
   std::mutex mutex_;
 };
 

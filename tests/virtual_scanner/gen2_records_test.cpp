@@ -1,4 +1,4 @@
-#include "protocol/stream_records.h"
+#include "protocol/gen2_records.h"
 
 #include <gtest/gtest.h>
 
@@ -17,26 +17,51 @@ Page linesPage(PageColor color, Compression compression, int widthPx, std::size_
 }
 
 std::vector<Bytes> recordsOf(std::uint16_t number, const Page& page, bool whiteLines) {
-  PageRecords records(number, page, whiteLines);
+  const auto records = stream().cut(number, page, whiteLines);
   std::vector<Bytes> all;
   Bytes record;
-  while (records.next(record)) {
+  while (records->next(record)) {
     all.push_back(record);
     record.clear();
   }
   return all;
 }
 
-TEST(StreamRecords, RecordsWithoutDataAreSpelledSo) {
-  EXPECT_EQ(pageEnd(1), (Bytes{0x00, 0x21, 0x01, 0x00}));
-  EXPECT_EQ(blankPageEnd(0x1234), (Bytes{0x00, 0x22, 0x34, 0x12}));
-  EXPECT_EQ(allPagesEnd(), (Bytes{0x00, 0x20}));
-  EXPECT_EQ(stoppedByCancel(), (Bytes{0x00, 0x40}));
-  EXPECT_EQ(deviceError(0x91), (Bytes{0x91, 0x00}));
-  EXPECT_EQ(pageSize(2, 0x9B0, 0xDB3), (Bytes{0x00, 0x11, 0x02, 0x00, 0xB0, 0x09, 0x00, 0x00, 0xB3, 0x0D, 0x00, 0x00}));
+TEST(Gen2Records, RecordsWithoutDataAreSpelledSo) {
+  Page page;
+  page.widthPx = 0x9B0;
+  page.heightPx = 0xDB3;
+  EXPECT_EQ(stream().pageEnd(1, page), (Bytes{0x00, 0x21, 0x01, 0x00}));
+  EXPECT_TRUE(stream().findings(1, page).empty());
+  page.tellsSize = true;
+  EXPECT_EQ(stream().findings(2, page),
+            (Bytes{0x00, 0x11, 0x02, 0x00, 0xB0, 0x09, 0x00, 0x00, 0xB3, 0x0D, 0x00, 0x00}));
+  page.isTooLong = true;
+  EXPECT_EQ(stream().pageEnd(3, page), (Bytes{0x00, 0x23, 0x03, 0x00}));
+  page.isBlank = true;
+  EXPECT_EQ(stream().pageEnd(0x1234, page), (Bytes{0x00, 0x22, 0x34, 0x12}));
+  EXPECT_EQ(stream().allPagesEnd(), (Bytes{0x00, 0x20}));
+  EXPECT_EQ(stream().stoppedByHost(), (Bytes{0x00, 0x40}));
+  EXPECT_EQ(stream().stoppedByKey(), (Bytes{0x00, 0x41}));
+  EXPECT_EQ(stream().deviceError(0x91), (Bytes{0x91, 0x00}));
 }
 
-TEST(StreamRecords, TheFormatByteTellsColourAndCompression) {
+TEST(Gen2Records, ABlankPageIsNamedByItsSizeEvenIfTheHostKnowsIt) {
+  Page page;
+  page.isBlank = true;
+  EXPECT_EQ(stream().findings(1, page).size(), 12u);
+}
+
+TEST(Gen2Records, OnlyRecordsWithDataHaveASize) {
+  const Page page = linesPage(PageColor::Grey, Compression::None, 1, 1, {0, 255});
+  const auto records = recordsOf(1, page, true);
+  EXPECT_EQ(stream().sizeField(records.at(0)).at, 6u);
+  EXPECT_EQ(stream().sizeField(records.at(0)).bytes, 4u);
+  EXPECT_EQ(stream().sizeField(records.at(1)).bytes, 0u);
+  EXPECT_EQ(stream().sizeField(stream().allPagesEnd()).bytes, 0u);
+}
+
+TEST(Gen2Records, TheFormatByteTellsColourAndCompression) {
   const struct {
     PageColor color;
     Compression compression;
@@ -50,7 +75,7 @@ TEST(StreamRecords, TheFormatByteTellsColourAndCompression) {
   for (const auto& row : rows) EXPECT_EQ(formatByte(row.color, row.compression), row.byte) << row.byte;
 }
 
-TEST(StreamRecords, EachLineIsARecordOfItsOwn) {
+TEST(Gen2Records, EachLineIsARecordOfItsOwn) {
   const Page page = linesPage(PageColor::Color, Compression::None, 1, 3, {1, 2, 3, 255, 255, 255});
   const auto records = recordsOf(7, page, false);
   ASSERT_EQ(records.size(), 2u);
@@ -58,12 +83,12 @@ TEST(StreamRecords, EachLineIsARecordOfItsOwn) {
   EXPECT_EQ(records[1], (Bytes{0, 1, 7, 0, 0x05, 0, 3, 0, 0, 0, 2, 0, 0, 0, 255, 255, 255}));
 }
 
-TEST(StreamRecords, PackedLinesTellTheirPackedSize) {
+TEST(Gen2Records, PackedLinesTellTheirPackedSize) {
   const Page page = linesPage(PageColor::Grey, Compression::RunLength, 5, 5, {9, 9, 9, 9, 9});
   EXPECT_EQ(recordsOf(1, page, false).at(0), (Bytes{0, 1, 1, 0, 0x0C, 0, 2, 0, 0, 0, 1, 0, 0, 0, 252, 9}));
 }
 
-TEST(StreamRecords, AWhiteLineGoesWithoutDataAndCounts) {
+TEST(Gen2Records, AWhiteLineGoesWithoutDataAndCounts) {
   const Page page = linesPage(PageColor::Mono, Compression::RunLength, 8, 1, {0xFF, 0x0F, 0xFF});
   const auto records = recordsOf(1, page, true);
   ASSERT_EQ(records.size(), 3u);
@@ -72,13 +97,12 @@ TEST(StreamRecords, AWhiteLineGoesWithoutDataAndCounts) {
   EXPECT_EQ(records[2], records[0]);
 }
 
-TEST(StreamRecords, AJpegIsCutIntoBlocksThatJoinToTheFile) {
+TEST(Gen2Records, AJpegIsCutIntoBlocksThatJoinToTheFile) {
   Page page;
   page.color = PageColor::Color;
   page.compression = Compression::Jpeg;
   page.heightPx = 3300;
-  for (std::size_t i = 0; i < 2 * PageRecords::kBlockBytes + 17; ++i)
-    page.data.push_back(static_cast<std::uint8_t>(i * 31));
+  for (std::size_t i = 0; i < 2 * kBlockBytes + 17; ++i) page.data.push_back(static_cast<std::uint8_t>(i * 31));
   const auto records = recordsOf(3, page, true);
   ASSERT_EQ(records.size(), 3u);
   Bytes joined;
@@ -97,7 +121,7 @@ TEST(StreamRecords, AJpegIsCutIntoBlocksThatJoinToTheFile) {
   EXPECT_EQ(heightBefore, 3300u);
 }
 
-TEST(StreamRecords, APageWithoutDataHasNoRecords) { EXPECT_TRUE(recordsOf(1, Page{}, true).empty()); }
+TEST(Gen2Records, APageWithoutDataHasNoRecords) { EXPECT_TRUE(recordsOf(1, Page{}, true).empty()); }
 
 }  // namespace
 }  // namespace vscan::gen2
