@@ -300,6 +300,18 @@ TEST(ReadThread_v1, TheEndOfAllPagesEndsThePagesThatHaveNoEndOfTheirOwn) {
   EXPECT_TRUE(bench.page(2).IsHandedOver());
 }
 
+TEST(ReadThread_v1, WhatComesBehindTheEndOfAllPagesDoesNotTouchThePagesBeforeIt) {
+  Bench bench;
+  ASSERT_EQ(bench.start(), 0u);
+  const SCANSTATUS status = bench.dispatch(v1::line(v1::kColor, 1, {1}) + v1::allPagesEnd() +
+                                           v1::line(v1::kColor, 1, {2}) + v1::status(0xC3));
+  EXPECT_TRUE(bench.page(1).IsHandedOver());
+  EXPECT_EQ(bench.bytesOf(1), lineRecord(5, 2, {1}));
+  EXPECT_TRUE(status.scanFinished);
+  EXPECT_EQ(status.deviceErr, 0xC3);
+  EXPECT_EQ(status.errPageNo, 2u);
+}
+
 // --- Status codes ----------------------------------------------------------------------------------------------------
 
 TEST(ReadThread_v1, EveryStatusCodeEndsTheScanAsItsRowSays) {
