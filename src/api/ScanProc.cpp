@@ -4,6 +4,7 @@
 #include <limits>
 #include <new>
 
+#include "foundation/qvtcl/TTime.h"
 #include "foundation/trace.h"
 #include "image/BitmapHeader.h"
 #include "parse/ParseScanCmd.h"
@@ -12,6 +13,7 @@
 #include "reception/ReadThread_v2.h"
 #include "settings/ConvertUnit.h"
 #include "settings/PaperSize.h"
+#include "settings/ScanParam.h"
 
 namespace orvalle_scan_api {
 namespace {
@@ -202,6 +204,17 @@ QS_BITMAP_IMAGE_INFO CScanProc::GetScanBitmapImageInfo() {
   info.heightPixel = static_cast<std::int32_t>(size.y);
   info.widthBytes = static_cast<std::int32_t>(CBitmapHeader().CalcWidthBytes(info.widthPixel, bpp));
   return info;
+}
+
+QS_SCANNER_PARAMETERS CScanProc::ConvertScanAreaToPixel(const QS_SCANNER_PARAMETERS& parameters) {
+  return CScanParam().ConvertScanAreaValueUnit(parameters, UNIT_PIXEL);
+}
+
+SCANAPISTATUS CScanProc::WaitForXferStatus(SCANAPISTATUS status) {
+  constexpr unsigned long kPollMs = 100;
+  SCANAPISTATUS now = GetReadStatus();
+  for (; now == status; now = GetReadStatus()) qvtcl::CTTime().Sleep_ms(kPollMs);
+  return now;
 }
 
 // Pixels at the user's resolution: of the area, of the custom size, or of the named paper.
