@@ -54,7 +54,7 @@ void addDeviceOptions(CLI::App& app, Options& options) {
 void addScanOptions(CLI::App& app, RawOptions& raw) {
   ScanWish& wish = raw.options.wish;
   app.add_option("-o,--output", raw.path, "Output file; - is standard output. Without it scan-DATE-TIME.pdf");
-  app.add_option("--format", raw.format, "pdf, png or jpeg; without it the ending of the file's name tells");
+  app.add_option("--format", raw.format, "pdf, tiff, png, jpeg or pnm; without it the ending of the file's name tells");
   app.add_option("--batch", raw.batch, "One file for each page, named by a pattern such as page%03d.png");
   app.add_option("--resolution", wish.resolutionDpi, "Dots per inch, one of those that info lists")
       ->capture_default_str();
