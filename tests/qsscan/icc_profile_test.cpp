@@ -1,7 +1,6 @@
 #include "apps/qsscan/icc_profile.h"
 
 #include <gtest/gtest.h>
-#include <lcms2.h>
 #include <png.h>
 #include <tiffio.h>
 
@@ -16,6 +15,7 @@
 
 #include "apps/qsscan/document_writer.h"
 #include "made_page.h"
+#include "made_profile.h"
 #include "temporary_folder.h"
 
 namespace {
@@ -23,24 +23,6 @@ namespace {
 using namespace qsscan;
 using namespace qsscan_test;
 using Bytes = std::vector<std::uint8_t>;
-
-Bytes saved(cmsHPROFILE profile) {
-  cmsUInt32Number size = 0;
-  cmsSaveProfileToMem(profile, nullptr, &size);
-  Bytes bytes(size);
-  cmsSaveProfileToMem(profile, bytes.data(), &size);
-  cmsCloseProfile(profile);
-  return bytes;
-}
-
-Bytes colorProfile() { return saved(cmsCreate_sRGBProfile()); }
-
-Bytes greyProfile() {
-  cmsToneCurve* curve = cmsBuildGamma(nullptr, 2.2);
-  const cmsHPROFILE profile = cmsCreateGrayProfile(cmsD50_xyY(), curve);
-  cmsFreeToneCurve(curve);
-  return saved(profile);
-}
 
 TEST(IccProfile, TellsGreyFromColour) {
   EXPECT_EQ(readIccProfile(colorProfile())->channels, 3);
@@ -51,7 +33,7 @@ TEST(IccProfile, TellsGreyFromColour) {
 TEST(IccProfile, WhatIsNoProfileIsRefused) {
   EXPECT_FALSE(readIccProfile({}));
   EXPECT_FALSE(readIccProfile(Bytes(500, 7)));
-  EXPECT_FALSE(readIccProfile(saved(cmsCreateLab4Profile(nullptr)))) << "pages are no Lab";
+  EXPECT_FALSE(readIccProfile(savedProfile(cmsCreateLab4Profile(nullptr)))) << "pages are no Lab";
   Bytes cut = colorProfile();
   for (cut.resize(131); !cut.empty(); cut.pop_back()) EXPECT_FALSE(readIccProfile(cut)) << cut.size();
 }
