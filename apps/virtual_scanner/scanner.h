@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "device/control.h"
+#include "net/announcer.h"
 #include "net/server.h"
 #include "options.h"
 
@@ -30,8 +31,10 @@ class Scanner {
   Log log_;
   Device device_;
   std::string addresses_;
+  std::vector<Announcement> announcements_;
   std::unique_ptr<Server> server_;
   std::unique_ptr<Control> control_;  // null without a control socket
+  std::vector<std::unique_ptr<Announcer>> announcers_;
   std::vector<std::thread> threads_;
 };
 

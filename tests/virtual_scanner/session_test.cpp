@@ -257,6 +257,63 @@ TEST_F(SessionTest, ThePaletteIsToldInTriples) {
   EXPECT_EQ(host.receiveFramed().size(), 8u + 768u);
 }
 
+TEST_F(SessionTest, TheColourProfilesAreRealOnes) {
+  serve({office_, Feeder({}, false, false), {}, options_});
+  Host host = connect();
+  host.send("\x1BGCP\n\x80");
+  const Bytes answer = host.receiveFramed();
+  ASSERT_GT(answer.size(), 500u);
+  std::size_t at = 8;
+  for (const int tag : {0x3101, 0x3102}) {
+    ASSERT_EQ(answer[at] | answer[at + 1] << 8, tag);
+    const auto size = static_cast<std::size_t>(answer[at + 2] | answer[at + 3] << 8);
+    ASSERT_LE(at + 4 + size, answer.size());
+    const auto profile = answer.begin() + static_cast<std::ptrdiff_t>(at + 4);
+    EXPECT_EQ(static_cast<std::size_t>(profile[2] << 8 | profile[3]), size);  // the length that it tells of itself
+    EXPECT_EQ(std::string(profile + 16, profile + 20), tag == 0x3101 ? "RGB " : "GRAY");
+    EXPECT_EQ(std::string(profile + 36, profile + 40), "acsp");
+    at += 4 + size;
+  }
+  EXPECT_EQ(Bytes(answer.begin() + static_cast<std::ptrdiff_t>(at), answer.end()), (Bytes{0xF0, 0xF0, 0, 0}));
+}
+
+TEST_F(SessionTest, AProfileWithoutColourProfilesRefusesThem) {
+  Profile profile = office_;
+  overrideProfile(profile, "colorProfile=0");
+  serve({profile, Feeder({}, false, false), {}, options_});
+  Host host = connect();
+  host.send("\x1BGCP\n\x80");
+  EXPECT_EQ(host.receiveFramed(), (Bytes{0xA4, 'G', 'C', 'P', 1, 0, 0, 0, 0xA4}));
+}
+
+TEST_F(SessionTest, TheSizeOfTheDocumentIsTold) {
+  serve({office_, Feeder(sheets({patternOf(600, 300, 1)}), false, false), {}, options_});
+  Host host = connect();
+  const auto documentOf = [&] {
+    host.send("\x1BGDS\n\x80");
+    const Bytes answer = host.receiveFramed();
+    return Bytes(answer.begin() + 8, answer.end());
+  };
+  EXPECT_EQ(documentOf(), (Bytes{0x02, 0x20, 4, 0, 0x2C, 0x01, 0x2C, 0x01, 0x03, 0x20, 8, 0,
+                                 0x58, 0x02, 0, 0, 0x2C, 0x01, 0,    0,    0xF0, 0xF0, 0, 0}));
+  host.send(settingsFrame({{"RESO", "150,150"}, {"PSRC", "FB"}}));
+  host.receiveFramed();
+  EXPECT_EQ(documentOf(),
+            (Bytes{0x02, 0x20, 4, 0, 0, 0, 0, 0, 0x03, 0x20, 8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xF0, 0xF0, 0, 0}));
+}
+
+TEST_F(SessionTest, AnAutomaticColourScanTellsTheColourOfEachPageBehindItsData) {
+  serve({office_, Feeder(sheets({patternOf(20, 10, 3), Raster(20, 10, 3, 128)}), false, false), {}, options_});
+  Host host = connect();
+  const ReceivedScan received = scan(host, {{"CLR", "AUTO"}}, "1265,0,1285,10");
+  EXPECT_EQ(received.pages.at(1).statuses, (std::vector<std::uint8_t>{0x02, 0x12, 0x21}));
+  EXPECT_EQ(received.pages.at(1).checkedFormat, 0x15);
+  EXPECT_EQ(received.pages.at(1).formatByte, 0x15);
+  EXPECT_EQ(received.pages.at(2).checkedFormat, 0x14);
+  EXPECT_EQ(received.pages.at(2).formatByte, 0x14);
+  EXPECT_EQ(received.pages.at(2).statuses, (std::vector<std::uint8_t>{0x02, 0x12, 0x21}));
+}
+
 TEST_F(SessionTest, WhatIsWrongIsRefusedAndLoggedAndTheConversationGoesOn) {
   serve({office_, Feeder(sheets({patternOf(9, 9, 1)}), false, false), {}, options_});
   Host host = connect();
@@ -417,7 +474,10 @@ TEST(Listener, AnAddressThatIsNoneIsRefusedInASentence) {
 
 TEST(Listener, AnIpv6AddressStandsInBrackets) {
   try {
-    EXPECT_TRUE(Listener::onTcp("[::1]:0").address().starts_with("[::1]:"));
+    const Listener listener = Listener::onTcp("[::1]:0");
+    EXPECT_TRUE(listener.address().starts_with("[::1]:"));
+    EXPECT_TRUE(listener.isLoopback());
+    EXPECT_EQ("[::1]:" + std::to_string(listener.port()), listener.address());
   } catch (const Failure&) {
     GTEST_SKIP() << "this machine has no IPv6";
   }
