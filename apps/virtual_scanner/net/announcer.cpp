@@ -29,8 +29,9 @@ struct TextFree {
 // One connection to the daemon. All of it happens on the announcer's thread.
 class Publication {
  public:
-  Publication(const Announcement& announcement, Log& log, AvahiSimplePoll* poll)
-      : announcement_(announcement), log_(log), name_(announcement.name) {
+  // lastFailure: borrowed; what was logged by the publication before, so that it is said once and not at each try.
+  Publication(const Announcement& announcement, Log& log, AvahiSimplePoll* poll, std::string& lastFailure)
+      : announcement_(announcement), log_(log), lastFailure_(lastFailure), name_(announcement.name) {
     int error = 0;
     // Calls back before it returns; without a daemon on the bus it waits for one.
     client_ = avahi_client_new(avahi_simple_poll_get(poll), AVAHI_CLIENT_NO_FAIL, onClient, this, &error);
@@ -47,7 +48,9 @@ class Publication {
  private:
   void giveUp(int error) {
     hasFailed_ = true;
-    log_.detail(std::string("not announced over mDNS: ") + avahi_strerror(error));
+    if (lastFailure_ == avahi_strerror(error)) return;
+    lastFailure_ = avahi_strerror(error);
+    log_.detail("not announced over mDNS: " + lastFailure_);
   }
 
   static void onClient(AvahiClient* client, AvahiClientState state, void* user) {
@@ -64,7 +67,10 @@ class Publication {
   static void onGroup(AvahiEntryGroup* group, AvahiEntryGroupState state, void* user) {
     auto* self = static_cast<Publication*>(user);
     self->group_ = group;
-    if (state == AVAHI_ENTRY_GROUP_ESTABLISHED) self->log_.detail("announced over mDNS as " + self->name_);
+    if (state == AVAHI_ENTRY_GROUP_ESTABLISHED) {
+      self->lastFailure_.clear();
+      self->log_.detail("announced over mDNS as " + self->name_);
+    }
     if (state == AVAHI_ENTRY_GROUP_COLLISION) {
       self->takeAnotherName();
       self->publish();
@@ -102,6 +108,7 @@ class Publication {
 
   const Announcement& announcement_;
   Log& log_;
+  std::string& lastFailure_;
   std::string name_;
   AvahiClient* client_ = nullptr;
   AvahiEntryGroup* group_ = nullptr;
@@ -125,11 +132,12 @@ Announcer::~Announcer() {
 }
 
 void Announcer::run() {
+  std::string lastFailure;
   while (!stops_) {
     {
       const std::unique_ptr<AvahiSimplePoll, PollFree> poll(avahi_simple_poll_new());
       if (!poll) return;
-      Publication publication(announcement_, log_, poll.get());
+      Publication publication(announcement_, log_, poll.get(), lastFailure);
       while (!stops_ && !publication.hasFailed() && avahi_simple_poll_iterate(poll.get(), kStepMs) == 0) {
       }
     }
