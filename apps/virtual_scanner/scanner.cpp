@@ -106,9 +106,6 @@ Scanner::~Scanner() {
 void Scanner::start() {
   threads_.emplace_back([this] { server_->run(); });
   if (control_) threads_.emplace_back([this] { control_->run(); });
-  for (const Announcement& one : announcements_) announcers_.push_back(std::make_unique<Announcer>(one, log_));
 }
-
-std::string Scanner::addresses() const { return addresses_; }
 
 }  // namespace vscan

@@ -25,7 +25,10 @@ class Scanner {
   void start();
 
   // "127.0.0.1:9480 and unix:/path".
-  std::string addresses() const;
+  const std::string& addresses() const { return addresses_; }
+
+  // What the network is to be told of it: one for each TCP address, none when it is hidden.
+  const std::vector<Announcement>& announcements() const { return announcements_; }
 
  private:
   Log log_;
@@ -34,7 +37,6 @@ class Scanner {
   std::vector<Announcement> announcements_;
   std::unique_ptr<Server> server_;
   std::unique_ptr<Control> control_;  // null without a control socket
-  std::vector<std::unique_ptr<Announcer>> announcers_;
   std::vector<std::thread> threads_;
 };
 

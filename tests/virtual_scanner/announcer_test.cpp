@@ -20,7 +20,7 @@ TEST(Announcer, WithoutADaemonItEndsAtOnceWhenAsked) {
   ::setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent/bus", 1);
   Log log(true, [](const std::string&) {});
   const auto began = std::chrono::steady_clock::now();
-  { Announcer announcer({"desk", "model", "id", "", 9480, true}, log); }
+  { Announcer announcer({{"desk", "model", "id", "", 9480, true}, {"attic", "model", "id", "", 9481, false}}, log); }
   EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(5));
 }
 

@@ -30,15 +30,17 @@ struct TextFree {
 class Publication {
  public:
   // lastFailure: borrowed; what was logged by the publication before, so that it is said once and not at each try.
-  Publication(const Announcement& announcement, Log& log, AvahiSimplePoll* poll, std::string& lastFailure)
-      : announcement_(announcement), log_(log), lastFailure_(lastFailure), name_(announcement.name) {
+  Publication(const std::vector<Announcement>& announcements, Log& log, AvahiSimplePoll* poll, std::string& lastFailure)
+      : log_(log), lastFailure_(lastFailure) {
+    services_.reserve(announcements.size());  // the daemon's library keeps pointers to them
+    for (const Announcement& one : announcements) services_.push_back({*this, one, one.name});
     int error = 0;
     // Calls back before it returns; without a daemon on the bus it waits for one.
     client_ = avahi_client_new(avahi_simple_poll_get(poll), AVAHI_CLIENT_NO_FAIL, onClient, this, &error);
     if (client_ == nullptr) giveUp(error);
   }
   ~Publication() {
-    if (client_ != nullptr) avahi_client_free(client_);  // and the group with it
+    if (client_ != nullptr) avahi_client_free(client_);  // and the groups with it
   }
   Publication(const Publication&) = delete;
   Publication& operator=(const Publication&) = delete;
@@ -46,6 +48,13 @@ class Publication {
   bool hasFailed() const { return hasFailed_; }
 
  private:
+  struct Service {
+    Publication& publication;
+    const Announcement& announcement;
+    std::string name;
+    AvahiEntryGroup* group = nullptr;
+  };
+
   void giveUp(int error) {
     hasFailed_ = true;
     if (lastFailure_ == avahi_strerror(error)) return;
@@ -56,62 +65,63 @@ class Publication {
   static void onClient(AvahiClient* client, AvahiClientState state, void* user) {
     auto* self = static_cast<Publication*>(user);
     self->client_ = client;
-    if (state == AVAHI_CLIENT_S_RUNNING) self->publish();
-    // The names of this machine are being settled; what was published has to go until they are.
-    if ((state == AVAHI_CLIENT_S_COLLISION || state == AVAHI_CLIENT_S_REGISTERING) && self->group_ != nullptr) {
-      avahi_entry_group_reset(self->group_);
+    for (Service& service : self->services_) {
+      if (state == AVAHI_CLIENT_S_RUNNING) self->publish(service);
+      // The names of this machine are being settled; what was published has to go until they are.
+      const bool isUnsettled = state == AVAHI_CLIENT_S_COLLISION || state == AVAHI_CLIENT_S_REGISTERING;
+      if (isUnsettled && service.group != nullptr) avahi_entry_group_reset(service.group);
     }
     if (state == AVAHI_CLIENT_FAILURE) self->giveUp(avahi_client_errno(client));
   }
 
   static void onGroup(AvahiEntryGroup* group, AvahiEntryGroupState state, void* user) {
-    auto* self = static_cast<Publication*>(user);
-    self->group_ = group;
+    auto& service = *static_cast<Service*>(user);
+    Publication& self = service.publication;
+    service.group = group;
     if (state == AVAHI_ENTRY_GROUP_ESTABLISHED) {
-      self->lastFailure_.clear();
-      self->log_.detail("announced over mDNS as " + self->name_);
+      self.lastFailure_.clear();
+      self.log_.detail("announced over mDNS as " + service.name);
     }
     if (state == AVAHI_ENTRY_GROUP_COLLISION) {
-      self->takeAnotherName();
-      self->publish();
+      takeAnotherName(service);
+      self.publish(service);
     }
-    if (state == AVAHI_ENTRY_GROUP_FAILURE) self->giveUp(avahi_client_errno(self->client_));
+    if (state == AVAHI_ENTRY_GROUP_FAILURE) self.giveUp(avahi_client_errno(self.client_));
   }
 
-  void takeAnotherName() {
-    char* const other = avahi_alternative_service_name(name_.c_str());
-    name_ = other;
+  static void takeAnotherName(Service& service) {
+    char* const other = avahi_alternative_service_name(service.name.c_str());
+    service.name = other;
     avahi_free(other);
   }
 
-  void publish() {
-    if (group_ == nullptr) group_ = avahi_entry_group_new(client_, onGroup, this);
-    if (group_ == nullptr) return giveUp(avahi_client_errno(client_));
+  void publish(Service& service) {
+    if (service.group == nullptr) service.group = avahi_entry_group_new(client_, onGroup, &service);
+    if (service.group == nullptr) return giveUp(avahi_client_errno(client_));
     AvahiStringList* list = nullptr;
-    const std::vector<std::string> records = textRecords(announcement_);
+    const std::vector<std::string> records = textRecords(service.announcement);
     for (auto record = records.rbegin(); record != records.rend(); ++record) {
       list = avahi_string_list_add(list, record->c_str());  // puts it in front
     }
     const std::unique_ptr<AvahiStringList, TextFree> text(list);
-    const auto loopback = static_cast<AvahiIfIndex>(::if_nametoindex("lo"));
+    const AvahiIfIndex interface =
+        service.announcement.onlyLoopback ? static_cast<AvahiIfIndex>(::if_nametoindex("lo")) : AVAHI_IF_UNSPEC;
     int error = AVAHI_ERR_COLLISION;
     while (error == AVAHI_ERR_COLLISION) {
-      avahi_entry_group_reset(group_);
-      error = avahi_entry_group_add_service_strlst(group_, announcement_.onlyLoopback ? loopback : AVAHI_IF_UNSPEC,
-                                                   AVAHI_PROTO_UNSPEC, AvahiPublishFlags{}, name_.c_str(), kServiceType,
-                                                   nullptr, nullptr, announcement_.port, text.get());
-      if (error == AVAHI_ERR_COLLISION) takeAnotherName();
+      avahi_entry_group_reset(service.group);
+      error = avahi_entry_group_add_service_strlst(service.group, interface, AVAHI_PROTO_UNSPEC, AvahiPublishFlags{},
+                                                   service.name.c_str(), kServiceType, nullptr, nullptr,
+                                                   service.announcement.port, text.get());
+      if (error == AVAHI_ERR_COLLISION) takeAnotherName(service);
     }
-    if (error == 0) error = avahi_entry_group_commit(group_);
+    if (error == 0) error = avahi_entry_group_commit(service.group);
     if (error != 0) giveUp(error);
   }
 
-  const Announcement& announcement_;
   Log& log_;
   std::string& lastFailure_;
-  std::string name_;
+  std::vector<Service> services_;
   AvahiClient* client_ = nullptr;
-  AvahiEntryGroup* group_ = nullptr;
   bool hasFailed_ = false;
 };
 
@@ -123,8 +133,8 @@ std::vector<std::string> textRecords(const Announcement& announcement) {
   return records;
 }
 
-Announcer::Announcer(Announcement announcement, Log& log)
-    : announcement_(std::move(announcement)), log_(log), thread_([this] { run(); }) {}
+Announcer::Announcer(std::vector<Announcement> announcements, Log& log)
+    : announcements_(std::move(announcements)), log_(log), thread_([this] { run(); }) {}
 
 Announcer::~Announcer() {
   stops_ = true;
@@ -137,7 +147,7 @@ void Announcer::run() {
     {
       const std::unique_ptr<AvahiSimplePoll, PollFree> poll(avahi_simple_poll_new());
       if (!poll) return;
-      Publication publication(announcement_, log_, poll.get(), lastFailure);
+      Publication publication(announcements_, log_, poll.get(), lastFailure);
       while (!stops_ && !publication.hasFailed() && avahi_simple_poll_iterate(poll.get(), kStepMs) == 0) {
       }
     }

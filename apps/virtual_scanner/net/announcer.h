@@ -1,6 +1,6 @@
-// Tells the local network of a scanner over mDNS, for as long as the object lives, where the Avahi daemon runs. Without
-// the daemon it waits for one and disturbs nothing.
-// Threads: a thread of its own does all of it; construction and destruction belong to one thread.
+// Tells the local network of all scanners of the program over mDNS, for as long as the object lives, where the Avahi
+// daemon runs. Without the daemon it waits for one and disturbs nothing. Threads: a thread of its own does all of it;
+// construction and destruction belong to one thread.
 #pragma once
 #include <atomic>
 #include <cstdint>
@@ -26,7 +26,7 @@ std::vector<std::string> textRecords(const Announcement& announcement);
 
 class Announcer {
  public:
-  Announcer(Announcement announcement, Log& log);
+  Announcer(std::vector<Announcement> announcements, Log& log);
   ~Announcer();
   Announcer(const Announcer&) = delete;
   Announcer& operator=(const Announcer&) = delete;
@@ -34,7 +34,7 @@ class Announcer {
  private:
   void run();
 
-  const Announcement announcement_;
+  const std::vector<Announcement> announcements_;
   Log& log_;
   std::atomic<bool> stops_ = false;
   std::thread thread_;
