@@ -1,4 +1,5 @@
-// What the device's panel asks for. An item whose valid flag is clear was not given by the device.
+// What the device's panel asks for. An item whose valid flag is clear was not given by the device; its other fields
+// mean nothing.
 #pragma once
 
 #include <cstddef>
@@ -27,14 +28,14 @@ struct PUSHSCAN_RESOLUTION {
 };
 struct PUSHSCAN_FILETYPE {
   bool valid;
-  std::int32_t format;  // 1 to 11, 0 for a format that has no number here
+  std::int32_t format;  // 1 JPEG, 2 TIFF, 3 PNG, 4 to 7 kinds of PDF, 8 XPS, 9 text, 10 HTML, 11 RTF; 0 BMP or other
   bool compressValid;
-  std::int32_t compress;
-  bool tiffCompressValid;
+  std::int32_t compress;   // JPEG rate, 0 to 100
+  bool tiffCompressValid;  // told by first-generation devices alone
   bool tiffCompressOn;
   bool qualityValid;
-  std::int32_t quality;
-  std::int32_t qualityArg;
+  std::int32_t quality;     // 1 one page to a file, 0 many; second generation also 2 to 4, the device's own
+  std::int32_t qualityArg;  // of quality 4
 };
 struct PUSHSCAN_ORIENT {
   bool valid;
@@ -45,17 +46,17 @@ struct PUSHSCAN_REMOVEBACKGROUND {
   bool valid;
   bool on;
   bool hasLevel;
-  std::int32_t level;
+  std::int32_t level;  // 0 to 255
 };
 
 struct tagQS_PUSHSCAN_PARAMETERS {
   PUSHSCAN_VALUE event;   // 0 to image, 1 to OCR, 2 to e-mail, 3 to file
   PUSHSCAN_VALUE duplex;  // DUPLEXTYPE
   PUSHSCAN_RESOLUTION resolution;
-  PUSHSCAN_VALUE colorType;  // COLORTYPE
-  PUSHSCAN_VALUE paperType;  // PAPERTYPE
-  PUSHSCAN_VALUE brightness;
-  PUSHSCAN_VALUE contrast;
+  PUSHSCAN_VALUE colorType;   // COLORTYPE
+  PUSHSCAN_VALUE paperType;   // PAPERTYPE
+  PUSHSCAN_VALUE brightness;  // on the device's own scale: 0 to 100 in the first generation, 0 to 254 in the second
+  PUSHSCAN_VALUE contrast;    // the same
   PUSHSCAN_STATE autoCrop;
   PUSHSCAN_FILETYPE fileType;
   PUSHSCAN_STATE blankPageRemove;

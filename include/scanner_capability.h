@@ -1,7 +1,10 @@
 // Everything that is known of a device.
 //
 // The convention of every cap field: 0 not reported, 1 the feature is missing, 2 the device has it. Flag bytes are 0 or
-// 1. Field names are those that the capability listing prints, and are kept letter for letter.
+// 1: the colour type, paper source or function of that name is there. Where a comment says "passed on", the number is
+// the device's own and nothing in the core goes by it. Resolutions are dots per inch; a length is in the unit that
+// stands beside it. What does not apply to a device, such as the feeder of a bed without one, is 0.
+// Field names are those that the capability listing prints, and are kept letter for letter.
 #pragma once
 
 #include <cstddef>
@@ -23,12 +26,15 @@ struct SUPPORTCOLORTYPES {
   FLAG color256table;
   FLAG autoColor;
 };
+static_assert(sizeof(SUPPORTCOLORTYPES) == 7);
 struct SUPPORTPAPERSOURCES {
   FLAG flatbed;
   FLAG adfSimplex;
   FLAG adfDuplex;
   FLAG cardslot;
 };
+static_assert(sizeof(SUPPORTPAPERSOURCES) == 4);
+// Width and height for each source, in one unit.
 struct DEVICESCANSIZES {
   AXIS flatbed;
   AXIS simplex;
@@ -36,7 +42,7 @@ struct DEVICESCANSIZES {
   UNITTYPE unit;
 };
 struct LONGPAPERSUPPORTSIZE {
-  CAP cap;
+  CAP cap;  // long paper is taken; this also tells a document scanner
   std::int32_t simplexMaxLength;
   std::int32_t duplexMaxLength;
   UNITTYPE unit;
@@ -51,6 +57,7 @@ struct PAPERSETTINGPOSITIONS {
   std::int32_t cardslotX;
   std::int32_t cardslotY;
 };
+// Whether a business card can be scanned, and how it lies: 0 not told, 1 upright, 2 lengthwise.
 struct CARDSIZEORIENT {
   CAP capFlatbed;
   std::int32_t orientFlatbed;
@@ -69,17 +76,18 @@ struct FUNCEXCLUSION {
   FLAG autoResolutionByDevice;
   FLAG autoRotateByDevice;
 };
+static_assert(sizeof(FUNCEXCLUSION) == 9);
 struct MONOTHRESHOLDSUPPORT {
   CAP autoThresholdCap;
-  FLAG autoThresholdFlag;
+  FLAG autoThresholdFlag;  // always 0
   CAP manuanThresholdCap;
-  std::int32_t manualThresholdLevelMax;
+  std::int32_t manualThresholdLevelMax;  // of a scale of 0 to 255
   std::int32_t manualThresholdLevelMin;
   std::int32_t manualThresholdLevelDefault;
 };
 struct SUPPORTADJUSTLEVEL {
   CAP cap;
-  std::int32_t level;
+  std::int32_t level;  // the highest, up to 255; below 2 the feature is on or off only
 };
 struct BACKGROUNDREMOVALSUPPORT {
   SUPPORTADJUSTLEVEL blackAndWhite;
@@ -89,15 +97,17 @@ struct BACKGROUNDREMOVALSUPPORT {
 };
 struct BLANKREMOVALSUPPORT {
   CAP cap;
-  std::int32_t systemType;  // 0 or 1
-  CAP levelCap;
-  std::int32_t levelFixed;  // the last four are completed by the capability question
-  std::int32_t levelMax;
+  std::int32_t systemType;  // 0 or 1, passed on
+  CAP levelCap;             // the device takes a level
+  // In the full record 0 but for the maximum; the question for this feature, and the flat record, complete them.
+  std::int32_t levelFixed;  // 1
+  std::int32_t levelMax;    // highest level, from 0
   std::int32_t levelMin;
-  std::int32_t levelDefault;
+  std::int32_t levelDefault;  // half the maximum
 };
 struct AUTOCOLORLEVELSUPPORT {
   CAP cap;
+  // Two levels, each from its minimum 0. The defaults are completed, as the middle, like those above.
   std::int32_t firstMax;
   std::int32_t firstMin;
   std::int32_t firstDefault;
@@ -107,24 +117,24 @@ struct AUTOCOLORLEVELSUPPORT {
 };
 struct QUIETSCANSUPPORT {
   CAP cap;
-  std::int32_t level;
+  std::int32_t level;  // both passed on
   std::int32_t levelAlt;
 };
 struct CARRIERSHEETSUPPORT {
   CAP cap;
-  std::int32_t skipOffsetSystem;
+  std::int32_t skipOffsetSystem;  // 1: the device itself finds out that a sheet is used
   SUPPORTCOLORTYPES supportColorType;
   struct {
-    std::int32_t top;
+    std::int32_t top;  // 0 stands for 32 mm
     std::int32_t bottom;
-  } offsetSizeMm;  // 1/100 mm
+  } offsetSizeMm;  // what the sheet's own edges take from the page, in 1/100 mm
   AXIS resolutionDpiMax;
   AXIS resolutionDpiMin;
   FUNCEXCLUSION exclusion;
 };
 struct PAPERSOURCESUPPORT {
   SUPPORTPAPERSOURCES supportPaperSource;
-  std::int32_t duplexScanSystem;
+  std::int32_t duplexScanSystem;  // 0 or 1, passed on
   std::int32_t adfStackCapacity;  // sheets
 };
 struct OPTICALRESOLUTIONS {
@@ -134,7 +144,7 @@ struct OPTICALRESOLUTIONS {
 };
 
 struct DEVINFO_MODELINFO {
-  std::int32_t category;  // 0 to 3
+  std::int32_t category;  // 0 to 3, passed on; the kind of machine is told by its features
   char modelName[128];    // a name of 128 characters has no terminator
 };
 static_assert(sizeof(DEVINFO_MODELINFO) == 132);
@@ -170,9 +180,9 @@ struct DEVINFO_BASEFUNC {
   OPTICALRESOLUTIONS resolutionOptical;  // dots per inch
   SUPPORTCOLORTYPES colorType;
   PAPERSOURCESUPPORT paperSource;
-  DEVICESCANSIZES deviceScanSizeMax;
+  DEVICESCANSIZES deviceScanSizeMax;  // what the device can scan
   DEVICESCANSIZES deviceScanSizeMin;
-  DEVICESCANSIZES supportDocSizeMax;
+  DEVICESCANSIZES supportDocSizeMax;  // what fits within its margins
   LONGPAPERSUPPORTSIZE longPaperLengthMax;
   struct {
     AXIS flatbed;
@@ -180,13 +190,13 @@ struct DEVINFO_BASEFUNC {
     AXIS duplex;
     AXIS cardslot;
     UNITTYPE unit;
-  } startOffset;
+  } startOffset;  // never told: 0
   struct {
     MARGIN flatbed;
     MARGIN adfSimplex;
     MARGIN adfDuplex;
     MARGIN cardslot;
-  } marginSize;
+  } marginSize;  // what cannot be scanned along each edge, as negative numbers
   struct {
     MARGIN flatbed_plus;
     MARGIN flatbed_minus;
@@ -196,12 +206,12 @@ struct DEVINFO_BASEFUNC {
     MARGIN adfDuplex_minus;
     MARGIN cardslot_plus;
     MARGIN cardslot_minus;
-  } marginAdjust;
+  } marginAdjust;  // how far each edge can be moved, stored with the sign turned
   PAPERSETTINGPOSITIONS paperPosition;
   CARDSIZEORIENT cardSizeOrient;
   struct {
-    FLAG scan1Paper;
-    FLAG definingPageNums;
+    FLAG scan1Paper;        // can stop after one sheet
+    FLAG definingPageNums;  // can stop after a number of sheets
   } multipageScanSystem;
   struct {
     CAP capOverScan;
@@ -213,7 +223,7 @@ struct DEVINFO_BASEFUNC {
     FLAG ejectAll;
     FLAG ejectOne;
     FLAG ejectNone;
-  } cancelSystem;
+  } cancelSystem;  // which sheets the device can eject after a cancellation
   struct {
     struct {
       CAP cap;
@@ -231,15 +241,15 @@ struct DEVINFO_BASEFUNC {
       FLAG flagA;
       FLAG flagB;
     } third;
-  } errorSystem;
+  } errorSystem;  // how the device goes on after an error; feed: after a double feed. The others are passed on
   struct {
-    CAP cap;  // 0, 1 or 2
-    std::int32_t red;
+    CAP cap;           // 0, 1 or 2; not 0: there is a tape
+    std::int32_t red;  // 0 to 255
     std::int32_t green;
     std::int32_t blue;
-    std::int32_t upperRange;
+    std::int32_t upperRange;  // how much lighter and how much darker it may look, 0 to 255
     std::int32_t lowerRange;
-  } colorTape;
+  } colorTape;  // the colour behind the paper, which shows through punch holes
 };
 static_assert(offsetof(DEVINFO_BASEFUNC, colorType) == 24 && offsetof(DEVINFO_BASEFUNC, paperSource) == 32);
 static_assert(offsetof(DEVINFO_BASEFUNC, deviceScanSizeMax) == 44 && sizeof(DEVICESCANSIZES) == 28);
@@ -267,7 +277,7 @@ struct DEVINFO_IMAGEPROCFUNC {
     COMPRESSSUPPORT color256;
     COMPRESSSUPPORT color24bit;
     struct {
-      std::int32_t compressLevel;
+      std::int32_t compressLevel;  // passed on
       struct {
         FLAG ycbcr444;
         FLAG ycbcr422;
@@ -284,8 +294,8 @@ struct DEVINFO_IMAGEPROCFUNC {
     FLAG textandgraph;
     FLAG copy;
   } specialDocumentImageProcs;
-  CAP colorProfileOutput;
-  std::int32_t gammaRange;
+  CAP colorProfileOutput;   // the device gives an ICC profile
+  std::int32_t gammaRange;  // passed on
   struct {
     CAP moireCap;
     AXIS moireMaxResolution;
@@ -313,15 +323,15 @@ struct SUPPORTAUTOPAPERSIZEMODE {
     CAP cap;
     SUPPORTCOLORTYPES supportColorType;
     SUPPORTPAPERSOURCES supportPaperSource;
-    std::int32_t cornerInfoOutputSystem;
+    std::int32_t cornerInfoOutputSystem;  // 1 the corners come with the page, passed on
     AXIS resolutionDpiMin;
     AXIS resolutionDpiMax;
   } cornerDetect;
   struct {
     CAP cap;
     SUPPORTPAPERSOURCES supportPaperSource;
-    FLAG detectSystem;
-    FLAG detectOverScan;
+    FLAG detectSystem;    // together with deskew only
+    FLAG detectOverScan;  // beyond the paper's edges
   } deviceDetectSize;
 };
 static_assert(sizeof(SUPPORTAUTOPAPERSIZEMODE) == 92);
@@ -332,7 +342,7 @@ struct DEVINFO_ADVANCEDFUNC {
     CAP cap;
     struct {
       FLAG scanFromFlatbed;
-      FLAG showGuidsOnPanel;
+      FLAG showGuidsOnPanel;  // the panel leads through the scan
     } deviceFunc;
   } idCardMode;
   struct {
@@ -349,11 +359,11 @@ struct DEVINFO_ADVANCEDFUNC {
   } plasticCard;
   struct {
     CAP cap;
-    std::int32_t systemType;  // 1 or 2
-    std::int32_t level;
+    std::int32_t systemType;  // 2 the device takes a level, 1 it does not
+    std::int32_t level;       // the highest
   } multifeedDetect;
   BACKGROUNDREMOVALSUPPORT backgroundRemove;
-  BACKGROUNDREMOVALSUPPORT breedthroughRemove;
+  BACKGROUNDREMOVALSUPPORT breedthroughRemove;  // what shows through from the back; passed on
   struct {
     CAP cap;
     SUPPORTPAPERSOURCES suportPaperSource;

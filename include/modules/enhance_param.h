@@ -1,4 +1,5 @@
-// The enhancement record: what IImageEnhance::Process is asked to do. It starts all zero.
+// The enhancement record: what IImageEnhance::Process is asked to do. It starts all zero. A part is meant when its flag
+// of the same name is set. Numbers without a range are the host's, handed on as they came.
 #pragma once
 
 #include <cstddef>
@@ -13,25 +14,25 @@ struct IE_COLORDROP {
   std::uint8_t red;
   std::uint8_t green;
   std::uint8_t blue;
-  std::int32_t range;
-  std::int32_t flag;
+  std::int32_t range;  // how far a colour may be from this one
+  std::int32_t flag;   // 0 or 1
 };
 struct IE_PUNCHHOLE {
-  std::int32_t margin[4];
-  std::int32_t areaLimit;
-  std::int32_t step;
-  std::int32_t hasColorTape;
+  std::int32_t margin[4];     // 30 each
+  std::int32_t areaLimit;     // 3
+  std::int32_t step;          // 10
+  std::int32_t hasColorTape;  // 1: holes show a tape whose grey lies between grayLow and grayHigh
   std::int32_t grayLow;
   std::int32_t grayHigh;
-  std::int32_t fillMode;
+  std::int32_t fillMode;     // 0, 1 or 2
   std::int32_t reserved[2];  // 0
 };
 struct IE_TONEADJUST {
   std::uint8_t brightness;  // 128 is neutral
   std::uint8_t contrast;    // 128 is neutral
-  std::uint8_t shadow;
-  std::uint8_t highlight;
-  double gamma;
+  std::uint8_t shadow;      // 0 to 254
+  std::uint8_t highlight;   // 1 to 255
+  double gamma;             // 0.1 to 10
 };
 struct IE_AUTOTHRESHOLD {
   std::int16_t first[2];
@@ -78,10 +79,10 @@ struct _IE_PARAM {
   IE_COLORDROP colorDrop;
   IE_PUNCHHOLE punchHole;
   IE_TONEADJUST toneAdjust;
-  std::uint8_t grayBrightness;  // 128 is neutral
-  std::int32_t thickTextLevel;  // 1 to 5
-  std::int32_t dotTextCombineMode;
-  std::int32_t edgeEnhanceLevel;  // 1 to 5
+  std::uint8_t grayBrightness;      // 128 is neutral
+  std::int32_t thickTextLevel;      // 1 to 5
+  std::int32_t dotTextCombineMode;  // 1 below 600 dpi, 2 from there on
+  std::int32_t edgeEnhanceLevel;    // 1 to 5
   IE_AUTOTHRESHOLD autoThreshold;
   std::int32_t threshold;  // 1 to 254; anything else means automatic
   IE_NOISEREMOVAL noiseRemoval;

@@ -30,7 +30,9 @@ std::uint32_t dotsPerInch(int unit, std::uint32_t density) {
 template <class Action>
 Step JpegReader::guarded(Action action) {
   if (setjmp(errors_.jump) != 0) return errors_.msg_code == JERR_OUT_OF_MEMORY ? Step::NoMemory : Step::Failed;
-  return action();
+  const Step step = action();
+  // The last segment was cut and is passed over; libjpeg waits at the end that stands in its place.
+  return step == Step::NeedInput && last_ ? action() : step;
 }
 
 JpegReader::JpegReader() {
@@ -130,6 +132,11 @@ void JpegReader::onScan(j_common_ptr info) {
 boolean JpegReader::onEmpty(j_decompress_ptr info) {
   JpegReader& reader = of(reinterpret_cast<j_common_ptr>(info));
   if (!reader.last_) return FALSE;
+  // Inside a marker's segment: the bytes of the end would be taken for its content, and the scans before it lost.
+  if (info->unread_marker != 0) {
+    info->unread_marker = JPEG_EOI;
+    return FALSE;
+  }
   reader.source_.next_input_byte = kEndMarker;
   reader.source_.bytes_in_buffer = sizeof(kEndMarker);
   return TRUE;

@@ -1,6 +1,7 @@
 #include "api/DeviceCaps.h"
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 
 #include "foundation/trace.h"
@@ -75,14 +76,17 @@ OPTICALRESOLUTIONS CDeviceCaps::GetOpticalResolution() {
   return r == nullptr ? OPTICALRESOLUTIONS{{1200, 1200}, {1200, 1200}, {1200, 1200}} : r->baseFunc.resolutionOptical;
 }
 
-SUPPORTCOLORTYPES CDeviceCaps::GetColorTypes() {
+std::uint64_t CDeviceCaps::GetColorTypes() {
   const auto* r = record();
-  return r == nullptr ? SUPPORTCOLORTYPES{1, 1, 1, 0, 1, 0, 0} : r->baseFunc.colorType;
+  if (r == nullptr) return GetDefaultColorTypes();
+  std::uint64_t packed = 0;
+  std::memcpy(&packed, &r->baseFunc.colorType, sizeof r->baseFunc.colorType);
+  return packed;
 }
 
 SUPPORTPAPERSOURCES CDeviceCaps::GetPaperSource() {
   const auto* r = record();
-  return r == nullptr ? SUPPORTPAPERSOURCES{1, 1, 1, 0} : r->baseFunc.paperSource.supportPaperSource;
+  return r == nullptr ? GetDefaultPaperSource() : r->baseFunc.paperSource.supportPaperSource;
 }
 
 // Kept: without a record the default sources are bed and feeder while the three questions below say no. Pinned by
@@ -117,9 +121,12 @@ DEVICESCANSIZES CDeviceCaps::GetMinSize() {
 
 decltype(DEVINFO_BASEFUNC::marginSize) CDeviceCaps::GetMarginSize() {
   const auto* r = record();
-  constexpr MARGIN kDefault{300, 300, 300, 300, UNIT_MILLIMETER};
-  return r == nullptr ? decltype(DEVINFO_BASEFUNC::marginSize){kDefault, kDefault, kDefault, {}}
-                      : r->baseFunc.marginSize;
+  return r == nullptr ? GetDefaultMarginSize() : r->baseFunc.marginSize;
+}
+
+decltype(DEVINFO_BASEFUNC::marginSize) CDeviceCaps::GetDefaultMarginSize() {
+  constexpr MARGIN kThreeMillimeters{300, 300, 300, 300, UNIT_MILLIMETER};
+  return {kThreeMillimeters, kThreeMillimeters, kThreeMillimeters, {}};
 }
 
 PAPERSETTINGPOSITIONS CDeviceCaps::GetPaperPosition() {

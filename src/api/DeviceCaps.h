@@ -28,7 +28,8 @@ class CDeviceCaps final : public ICDeviceCaps {
 
   // Each answers its default when the record cannot be had.
   OPTICALRESOLUTIONS GetOpticalResolution() override;
-  SUPPORTCOLORTYPES GetColorTypes() override;
+  // The seven flags, one byte each, the first one lowest.
+  std::uint64_t GetColorTypes() override;
   SUPPORTPAPERSOURCES GetPaperSource() override;
   bool IsFlatbedSupported();
   bool IsAdfSupported();
@@ -89,11 +90,23 @@ class CDeviceCaps final : public ICDeviceCaps {
   //   0x70100012  null argument
   QSRSLT ScanCap2ScanCapV1(tagQS_SCANNER_CAPABILITY_VER1* older, QS_SCANNER_CAPABILITY* capability) override;
 
+  // The fields of each group into the log, at level 1, one line each. For debugging: nothing calls them.
+  static void WriteLogModelInfo(const DEVINFO_MODELINFO& info);
+  static void WriteLogDevInfoFunc(const DEVINFO_FUNC& func);
+  static void WriteLogDevInfoBaseFunc(const DEVINFO_BASEFUNC& base);
+  static void WriteLogDevInfoImageProcFunc(const DEVINFO_IMAGEPROCFUNC& imageProc);
+  static void WriteLogDevInfoAdvancedFunc(const DEVINFO_ADVANCEDFUNC& advanced);
+
  private:
   // The record, or null when it cannot be had.
   const QS_SCANNER_CAPABILITY* record();
   QSRSLT fetch();
   static void WriteLogScannerCapabilities();
+
+  // What the questions answer without a record.
+  static std::uint64_t GetDefaultColorTypes() { return 0x100010101; }  // mono, error diffusion, grey, 24-bit colour
+  static SUPPORTPAPERSOURCES GetDefaultPaperSource() { return {1, 1, 1, 0}; }
+  static decltype(DEVINFO_BASEFUNC::marginSize) GetDefaultMarginSize();
 
   std::unique_ptr<QS_SCANNER_CAPABILITY> m_pCapability;  // null until fetched
   bool m_initialized = false;

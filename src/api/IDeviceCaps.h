@@ -17,7 +17,7 @@ class ICDeviceCaps {
   virtual std::uint16_t GetScannerCommandVersion() = 0;
   virtual OPTICALRESOLUTIONS GetOpticalResolution() = 0;
   virtual bool CreateResolutionList(unsigned int* list, QS_SCANNER_CAPABILITY* capability) = 0;
-  virtual SUPPORTCOLORTYPES GetColorTypes() = 0;
+  virtual std::uint64_t GetColorTypes() = 0;
   virtual SUPPORTPAPERSOURCES GetPaperSource() = 0;
   virtual bool IsDuplexSupport() = 0;
   virtual DEVICESCANSIZES GetMaxSize() = 0;

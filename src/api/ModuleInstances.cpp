@@ -1,5 +1,6 @@
 #include "api/ModuleInstances.h"
 
+#include "api/DynLib_base.h"
 #include "foundation/qvtcl/TModulePath.h"
 #include "foundation/trace.h"
 
@@ -13,6 +14,7 @@ CModuleInstances::~CModuleInstances() {
 }
 
 qvtcl::CTString CModuleInstances::GenerateModulePathInCurrentFolder(const char* fileName) {
+  [[maybe_unused]] const CDynLib_base self;  // made, and asked for nothing: the path is found without a handle
   qvtcl::CTString path = qvtcl::CTModulePath().GenerateModuleFileName(qvtcl::kDriverIdentifier, fileName);
   g_ScanDevApiLog.WriteLog(1, "Module Path: %s", path.C_str());
   return path;
@@ -41,6 +43,7 @@ IScanDec* CModuleInstances::GetScanDecInstance() { return get(scanDec_, __func__
 IDeviceAccess* CModuleInstances::GetDeviceAccessInstance() { return get(deviceAccess_, __func__, "QsDeviceAccs.so"); }
 IImageEnhance* CModuleInstances::GetImageEnhanceInstance() { return get(imageEnhance_, __func__, "QsImageEnhance.so"); }
 // Kept: this getter asks the module again although a pointer is cached; GetInterface then hands back the same object.
+// Pinned by ModuleInstances_test "Load each module on its first demand and once".
 IQvScnImgProc* CModuleInstances::GetImageProcessInstance() {
   return get(imageProcess_, __func__, "QvScnImgProc.so", true);
 }

@@ -4,13 +4,16 @@
 #include <limits>
 #include <new>
 
+#include "foundation/qvtcl/TTime.h"
 #include "foundation/trace.h"
 #include "image/BitmapHeader.h"
 #include "parse/ParseScanCmd.h"
 #include "reception/ImageData.h"
+#include "reception/ReadThread_v1.h"
 #include "reception/ReadThread_v2.h"
 #include "settings/ConvertUnit.h"
 #include "settings/PaperSize.h"
+#include "settings/ScanParam.h"
 
 namespace orvalle_scan_api {
 namespace {
@@ -105,6 +108,7 @@ bool CScanProc::CreateScanReadClassInstances(SCANCMD_GENERATION generation) {
   Trace trace(Trace::NoEntryLine{}, "CreateScanReadClassInstances");
   g_ScanDevApiLog.WriteLog(1, ">>>>> %s >>>>> protocol = %d", "CreateScanReadClassInstances", generation);
   DeleteScanReadClassInstances();
+  if (generation == SCANCMD_GENERATION_1ST) m_pReadThread.reset(new (std::nothrow) CReadThread_v1);
   if (generation == SCANCMD_GENERATION_2ND) m_pReadThread.reset(new (std::nothrow) CReadThread_v2);
   return trace.success(m_pReadThread != nullptr);
 }
@@ -200,6 +204,17 @@ QS_BITMAP_IMAGE_INFO CScanProc::GetScanBitmapImageInfo() {
   info.heightPixel = static_cast<std::int32_t>(size.y);
   info.widthBytes = static_cast<std::int32_t>(CBitmapHeader().CalcWidthBytes(info.widthPixel, bpp));
   return info;
+}
+
+QS_SCANNER_PARAMETERS CScanProc::ConvertScanAreaToPixel(const QS_SCANNER_PARAMETERS& parameters) {
+  return CScanParam().ConvertScanAreaValueUnit(parameters, UNIT_PIXEL);
+}
+
+SCANAPISTATUS CScanProc::WaitForXferStatus(SCANAPISTATUS status) {
+  constexpr unsigned long kPollMs = 100;
+  SCANAPISTATUS now = GetReadStatus();
+  for (; now == status; now = GetReadStatus()) qvtcl::CTTime().Sleep_ms(kPollMs);
+  return now;
 }
 
 // Pixels at the user's resolution: of the area, of the custom size, or of the named paper.

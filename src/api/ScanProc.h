@@ -39,6 +39,13 @@ class CScanProc : public IScanProc {
   int GetCurrentReceivedLines(int) override { return 0; }
   QS_BITMAP_IMAGE_INFO GetScanBitmapImageInfo() override;
 
+  // For embedders; the library itself calls none of the three.
+  void SetUserScanParam(const QS_SCANNER_PARAMETERS& parameters) { m_userParam = parameters; }
+  // The settings with their scan area in pixels, by their own resolution.
+  static QS_SCANNER_PARAMETERS ConvertScanAreaToPixel(const QS_SCANNER_PARAMETERS& parameters);
+  // Waits while GetReadStatus answers status, and returns the first other answer.
+  SCANAPISTATUS WaitForXferStatus(SCANAPISTATUS status);
+
   // Ends and joins the read thread without a word in the log; its pages stay.
   void StopReadThread();
 

@@ -61,6 +61,7 @@ class CScanProtocol : public IScanCoreApi {
   QSRSLT InitScanProc(IScanCmd* command, ICDeviceCaps* caps);
   QSRSLT PrepareQueryCapabilities(_QS_SELECT_DEVICE_INFO& info);
   QSRSLT PrepareScanning(_QS_SELECT_DEVICE_INFO& info);
+  QSRSLT GetCapability(QS_SCANNER_CAPABILITY* record);
   static QSRSLT ConvertDevInfoToDevIdentifier(const _QS_SELECT_DEVICE_INFO& info, _DEV_IDENTIFIER& identifier);
 
   IScanCmd* m_pScanCmd = nullptr;      // each owned unless injected

@@ -4,5 +4,9 @@
 #include "api/ScanProtocol.h"
 
 extern "C" __attribute__((visibility("default"))) orvalle_scan_api::IScanCoreApi* CreateInstance() {
-  return new (std::nothrow) orvalle_scan_api::CScanProtocol;
+  try {
+    return new orvalle_scan_api::CScanProtocol;
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
 }

@@ -23,7 +23,10 @@ CQueryCmd::~CQueryCmd() {
 
 QSRSLT CQueryCmd::ExeQcmd(_SCANCMD_DEVICECAP_INFO* info) {
   Trace trace("ExeQcmd");
-  if (access_ == nullptr) return trace.result(command_exchange::noAccess());
+  if (access_ == nullptr) {
+    if (info != nullptr) *info = qAnswer_;
+    return trace.result(command_exchange::noAccess());
+  }
   if (info == nullptr) return trace.result(QSRSLT_CMD_BAD_ARGUMENT);
   FreeQcmdResponseData();
   const QSRSLT result = queryQ();
@@ -53,7 +56,10 @@ QSRSLT CQueryCmd::queryQ() {
 
 QSRSLT CQueryCmd::ExeQDIcmd(_SCANCMD_DEVICECAP_INFO* info) {
   Trace trace("ExeQDIcmd");
-  if (access_ == nullptr) return trace.result(command_exchange::noAccess());
+  if (access_ == nullptr) {
+    if (info != nullptr) *info = qdiAnswer_;
+    return trace.result(command_exchange::noAccess());
+  }
   if (info == nullptr) return trace.result(QSRSLT_CMD_BAD_ARGUMENT);
   FreeQDIcmdResponseData();
   const QSRSLT result = queryQDI();

@@ -1,5 +1,7 @@
 #include "foundation/FileAcs.h"
 
+#include <sys/stat.h>
+
 #include <cstdlib>
 
 CFileAcs::~CFileAcs() {
@@ -33,6 +35,9 @@ unsigned int CFileAcs::Read(const char* path, void* buffer, unsigned int count) 
 
 unsigned int CFileAcs::GetFileSize(std::FILE* file) {
   if (file == nullptr) return 0;
+  struct stat status {};
+  // A folder opens for reading too, and puts its end as far out as a position can be.
+  if (fstat(fileno(file), &status) == 0 && S_ISDIR(status.st_mode)) return 0;
   std::fpos_t saved{};
   if (std::fgetpos(file, &saved) != 0 || std::fseek(file, 0, SEEK_END) != 0) return 0;
   const long end = std::ftell(file);  // fpos_t is opaque here

@@ -9,7 +9,7 @@ class CFileAcs {
  public:
   CFileAcs() = default;
   // Closes the stream. Kept: the buffer of Read is not freed here, since callers hold on to it; FreeBufAndCloseFile
-  // frees it. Pinned by FileAcs_test "The buffer outlives".
+  // frees it. Pinned by FileAcs_test "TheBufferOutlivesTheObject".
   ~CFileAcs();
   CFileAcs(const CFileAcs&) = delete;
   CFileAcs& operator=(const CFileAcs&) = delete;
@@ -21,7 +21,7 @@ class CFileAcs {
   // The next bytes of the file, which is opened by the first call and stays open. Bytes read.
   unsigned int Read(const char* path, void* buffer, unsigned int count);
 
-  // Bytes, cut to 32 bits; 0 if that cannot be told. The position of the stream is kept.
+  // Bytes, cut to 32 bits; 0 if that cannot be told, and for a folder. The position of the stream is kept.
   unsigned int GetFileSize(std::FILE* file);
   unsigned int GetFileSize(const char* path);
 

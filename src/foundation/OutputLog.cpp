@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <new>
 
 // Construction order is the order of these lines, destruction the reverse.
 COutputLog g_outputLog;
@@ -27,12 +28,14 @@ constexpr int kMessageBytes = 1200;
 
 bool ownedByCallerOrRoot(const struct stat& info) { return info.st_uid == geteuid() || info.st_uid == 0; }
 
-// Opens a regular file of our own, never through a link, and never blocks on something that is no file.
+// Opens a regular file of our own, never through a link, and never blocks on something that is no file. A file that is
+// not ours keeps its content: it is emptied only after it was looked at.
 std::FILE* openOwnFile(const std::string& path, int flags, const char* mode) {
-  const int fd = open(path.c_str(), flags | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0666);
+  const int fd = open(path.c_str(), (flags & ~O_TRUNC) | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK, 0666);
   if (fd < 0) return nullptr;
   struct stat info {};
-  if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode) || !ownedByCallerOrRoot(info)) {
+  const bool isOurs = fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && ownedByCallerOrRoot(info);
+  if (!isOurs || ((flags & O_TRUNC) != 0 && ftruncate(fd, 0) != 0)) {
     close(fd);
     return nullptr;
   }
@@ -52,18 +55,22 @@ COutputLog::~COutputLog() {
   if (logStream != nullptr) std::fclose(logStream);
 }
 
-void COutputLog::WriteLog(int level, const char* format, ...) {
+void COutputLog::WriteLog(int level, const char* format, ...) noexcept {
   if (!EnsureSetup() || setupFailed || logLevel < level) return;
   char message[kMessageBytes];
   va_list arguments;
   va_start(arguments, format);
   std::vsnprintf(message, sizeof message, format, arguments);
   va_end(arguments);
-  const std::lock_guard<std::mutex> lock(writeLock);
-  WriteFile(message);
+  try {
+    const std::lock_guard<std::mutex> lock(writeLock);
+    WriteFile(message);
+  } catch (const std::bad_alloc&) {
+    return;
+  }
 }
 
-void COutputLog::WriteDump(const unsigned char* data, int size, const char* name, int page) {
+void COutputLog::WriteDump(const unsigned char* data, int size, const char* name, int page) noexcept {
   EnsureSetup();
   if (!dumpEnabled || logFolder.empty() || data == nullptr || size < 1 || name == nullptr) return;
   const struct {
@@ -76,21 +83,35 @@ void COutputLog::WriteDump(const unsigned char* data, int size, const char* name
                 {"DumpFinalData", dumpFinalData}};
   for (const auto& dump : kDumps) {
     if (std::strcmp(dump.name, name) != 0) continue;
-    if (dump.on <= 0) return;
-    std::FILE* file = openOwnFile(CreateSaveFilePath(name, page), O_WRONLY | O_CREAT | O_APPEND, "ab");
-    if (file == nullptr) return;
-    std::fwrite(data, 1, static_cast<std::size_t>(size), file);
-    std::fclose(file);
+    if (dump.on > 0) appendDump(data, static_cast<std::size_t>(size), name, page);
     return;
   }
 }
 
+void COutputLog::appendDump(const unsigned char* data, std::size_t size, const char* name, int page) noexcept {
+  std::FILE* file = nullptr;
+  try {
+    file = openOwnFile(CreateSaveFilePath(name, page), O_WRONLY | O_CREAT | O_APPEND, "ab");
+  } catch (const std::bad_alloc&) {
+    return;
+  }
+  if (file == nullptr) return;
+  std::fwrite(data, 1, size, file);
+  std::fclose(file);
+}
+
 // False only for the call whose set-up failed; later calls see setupFailed or a null stream.
-bool COutputLog::EnsureSetup() {
+bool COutputLog::EnsureSetup() noexcept {
   if (setupDone.load(std::memory_order_acquire)) return true;
   const std::lock_guard<std::mutex> lock(writeLock);
   if (setupDone.load(std::memory_order_relaxed)) return true;
-  const bool ready = SetupLog();
+  bool ready = false;
+  try {
+    ready = SetupLog();
+  } catch (const std::bad_alloc&) {
+    setupFailed = true;
+    dumpEnabled = false;
+  }
   setupDone.store(true, std::memory_order_release);
   return ready;
 }
@@ -153,8 +174,7 @@ bool COutputLog::CheckLogText(const std::string& folder) {
 
 void COutputLog::WriteFile(const char* message) {
   if (logStream == nullptr) return;
-  const std::string line = makeNowDateTime() + message + "\r\n";
-  std::fputs(line.c_str(), logStream);
+  std::fprintf(logStream, "%s%s\r\n", makeNowDateTime().c_str(), message);
   std::fflush(logStream);
 }
 
@@ -167,7 +187,7 @@ std::string COutputLog::CreateSaveFilePath(const char* name, int page) const {
 }
 
 std::string COutputLog::makePath(const std::string& base, const char* leaf) {
-  return leaf == nullptr ? base + "/" : base + "/" + leaf;
+  return leaf == nullptr ? base : base + "/" + leaf;
 }
 
 std::string COutputLog::makeDesktopPath() { return "/tmp"; }
@@ -182,4 +202,9 @@ std::string COutputLog::makeNowDateTime() {
   std::snprintf(text, sizeof text, "(%d/%d/%d %d:%d:%d) ", local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
                 local.tm_hour, local.tm_min, local.tm_sec);
   return text;
+}
+
+void COutputLog::CreateCurrentTimeStr(char* buffer) {
+  if (buffer == nullptr) return;
+  std::snprintf(buffer, kTimeTextBytes, "%d", static_cast<int>(std::time(nullptr)));
 }

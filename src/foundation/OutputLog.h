@@ -8,6 +8,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdio>
 #include <mutex>
 #include <string>
@@ -22,23 +23,34 @@ class __attribute__((visibility("default"))) COutputLog {
   COutputLog& operator=(const COutputLog&) = delete;
 
   // Levels: 0 errors, commands sent, device status; 1 normal flow; 2 high-rate traces. Messages are cut at 1199 bytes.
-  void WriteLog(int level, const char* format, ...) __attribute__((format(printf, 3, 4)));
+  // A line for which there is no memory, or no room on the disk, is dropped.
+  void WriteLog(int level, const char* format, ...) noexcept __attribute__((format(printf, 3, 4)));
 
-  // Appends data to "<name>_<page>" in the log folder if the set-up turned that dump on. Any level.
-  void WriteDump(const unsigned char* data, int size, const char* name, int page);
+  // Appends size bytes to the dump of that page in the log folder if the set-up turned that dump on, whatever its
+  // level. name is one of five; null data, a size below 1 and any other name write nothing.
+  //   DumpPackBits, no extension    DumpJpg, .jpg    DumpPreScanDec, DumpPreImagEnhance, DumpFinalData, .bmp
+  void WriteDump(const unsigned char* data, int size, const char* name, int page) noexcept;
+
+  // base, and "/" and leaf unless leaf is null.
+  static std::string makePath(const std::string& base, const char* leaf);
+  // Two base folders by name, on this platform the same.
+  static std::string makeDesktopPath();
+  static std::string makeProgramDataPath();
+  // What stands in front of a message: "(year/month/day hour:minute:second) ", local time, no leading zeros.
+  static std::string makeNowDateTime();
+  // Writes the seconds since the epoch in decimal, at most kTimeTextBytes with the NUL. Nothing for null.
+  static constexpr std::size_t kTimeTextBytes = 12;
+  static void CreateCurrentTimeStr(char* buffer);
 
  private:
-  bool EnsureSetup();
+  bool EnsureSetup() noexcept;
   bool SetupLog();
   bool CheckLogSetup(const std::string& base);
   bool CheckLogFolder(const std::string& base);
   bool CheckLogText(const std::string& folder);
   void WriteFile(const char* message);
+  void appendDump(const unsigned char* data, std::size_t size, const char* name, int page) noexcept;
   std::string CreateSaveFilePath(const char* name, int page) const;
-  static std::string makePath(const std::string& base, const char* leaf);
-  static std::string makeDesktopPath();
-  static std::string makeProgramDataPath();
-  static std::string makeNowDateTime();
 
   // Written by the set-up, constant afterwards.
   std::string logFolder;

@@ -8,11 +8,11 @@
 #include <cstdio>
 
 // Writes "system" and returns its length, 6, whatever the size. Kept: the fixed text is no folder. It is only written
-// where it fits with its NUL. Pinned by compat_test "GetSystemDirectory".
+// where it fits with its NUL. Pinned by compat_test "GetSystemDirectoryGivesAFixedText".
 int GetSystemDirectory(char* buffer, int size);
 
 // Kept: the first seven characters of path, the scheme of a URL, are dropped unseen, and mode is ignored. Pinned by
-// compat_test "mac_open drops".
+// compat_test "OpenDropsSevenCharacters".
 std::FILE* mac_open(const char* path, const char* mode);
 // The fork of the resource, to be closed with mac_close; null if there is no such file. name is a plain file name.
 std::FILE* iOpenFromMainBundle(const char* name);
@@ -21,7 +21,7 @@ long mac_read(char* buffer, long size, std::FILE* file);
 // Moves forward by reading; an offset below 1 does nothing. 1, or 0 if it could not be read that far.
 int mac_seek(std::FILE* file, int offset);
 // The system's error number, 0 for none. Kept: the 4-byte block stays allocated; its owner frees it. Pinned by
-// compat_test "mac_close leaves".
+// compat_test "CloseLeavesTheBlock".
 int mac_close(std::FILE* file);
 
 // A handle to a new block of size bytes; null if there is no memory.

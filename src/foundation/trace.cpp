@@ -1,7 +1,5 @@
 #include "foundation/trace.h"
 
-#include <string>
-
 namespace orvalle_scan_api {
 
 Trace::~Trace() {
@@ -9,13 +7,11 @@ Trace::~Trace() {
     g_ScanDevApiLog.WriteLog(level_, "<<<<< %s <<<<<", operation_);
     return;
   }
-  char value[64];
-  // Both conversions in use, %X and %d, take the value by its 32-bit pattern.
+  // One of the formats below, of which each takes a name and a value of 32 bits.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
-  std::snprintf(value, sizeof value, exitFormat_, exitValue_);
+  g_ScanDevApiLog.WriteLog(level_, exitFormat_, operation_, exitValue_);
 #pragma GCC diagnostic pop
-  g_ScanDevApiLog.WriteLog(level_, "<<<<< %s <<<<<%s", operation_, value);
 }
 
 }  // namespace orvalle_scan_api

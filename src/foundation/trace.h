@@ -4,6 +4,7 @@
 //     Trace trace("StartScan");                       >>>>> StartScan >>>>>
 //     if (!ready) return trace.ret(QSRSLT_...);       <<<<< StartScan <<<<< ret = 0x10100001
 //
+// The log formats, and does so only where the level is written: a trace that is off costs two calls.
 // Threads: an object belongs to one function call.
 #pragma once
 
@@ -34,27 +35,27 @@ class Trace {
   // Each notes what the exit line says and passes the value through.
   template <class T>
   T ret(T value) {
-    return note(" ret = 0x%X", value);
+    return note("<<<<< %s <<<<< ret = 0x%X", value);
   }
   template <class T>
   T retDecimal(T value) {
-    return note(" ret = %d", value);
+    return note("<<<<< %s <<<<< ret = %d", value);
   }
   template <class T>
   T result(T value) {
-    return note(" result = %d", value);
+    return note("<<<<< %s <<<<< result = %d", value);
   }
   template <class T>
   T qsrslt(T value) {
-    return note(" qsrslt = 0x%X", value);
+    return note("<<<<< %s <<<<< qsrslt = 0x%X", value);
   }
   template <class T>
   T success(T value) {
-    return note(" success = %d", value);
+    return note("<<<<< %s <<<<< success = %d", value);
   }
   template <class T>
   T instance(T pointer) {
-    exitFormat_ = " Instance = 0x%X";
+    exitFormat_ = "<<<<< %s <<<<< Instance = 0x%X";
     exitValue_ = logAddress(pointer);
     return pointer;
   }

@@ -73,12 +73,12 @@ int CQvChangeReso::ChangeResoWrite(CHRESO_WRITE* write, int* outLines) {
 
 int CQvChangeReso::ChangeResoWriteEnd(CHRESO_WRITE* write, int* outLines) {
   *outLines = 0;
-  int bytes = 0;
+  unsigned long bytes = 0;
   if (write->writeBuffer != nullptr && m_ring.isLocked() && m_ring.inLineCount >= 3) {
-    for (int i = 0; i < 2; ++i) bytes += runWriter(*write, outLines);
+    for (int i = 0; i < 2; ++i) bytes += static_cast<unsigned long>(runWriter(*write, outLines));
   }
   m_ring.unlock();
-  return bytes;
+  return asInt(bytes);
 }
 
 int CQvChangeReso::ChangeResoClose() {
@@ -178,17 +178,16 @@ int CQvChangeReso::ChWriteExact(const CHRESO_WRITE& write, int* outLines) {
 bool CQvChangeReso::saveLine(const CHRESO_WRITE& write) {
   unsigned changed = 0;
   if (m_setup.is24Bit()) {
-    changed = m_ring.SetSaveImg24Bit(write.lineData, write.lineBytes, write.lineKind);
+    changed = m_ring.SetSaveImg24Bit(m_kernels, write.lineData, write.lineBytes, write.lineKind);
     if (changed == 0) return false;
   } else if (m_setup.is1Bit()) {
     changed = m_ring.SetSaveImg2Bit(write.lineData, write.lineBytes);
   } else {
     changed = m_ring.SetSaveImg8Bit(write.lineData, write.lineBytes);
   }
-  if (m_setup.path == ResoPath::kEnlarge) {
-    for (unsigned slot = 0; slot < ResoRing::kSlots; ++slot) {
-      if ((changed >> slot & 1U) != 0) m_cubic.refresh(m_ring, slot);
-    }
+  for (unsigned slot = 0; slot < ResoRing::kSlots; ++slot) {
+    if ((changed >> slot & 1U) == 0) continue;
+    m_setup.path == ResoPath::kEnlarge ? m_cubic.refresh(m_ring, slot) : m_area.refresh(m_ring, slot);
   }
   return true;
 }

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr unsigned long kMostLinePixels = 0x0FFFFFFF;  // so that no product of a line with a ratio can wrap
+constexpr unsigned long kMostLinePixels = 0x00FFFFFF;  // columns are whole numbers in single precision
 constexpr int kMostRingRate = 0xFFFF;                  // so that the float walk over the phases always moves on
 
 std::int32_t thousandths(float weight) { return static_cast<std::int32_t>(weight * 1000.0F); }
@@ -162,8 +162,10 @@ bool ChangeResoSetup::SetCubicTbl() {
 
 void ChangeResoSetup::SetTblElementMultiply() {
   for (int row = 0; row < kPhases; ++row) {
+    // Through a pointer: where both factors were written as tblY[row].w[...], GCC 12 at -O2 filled the table with 0.
+    const std::int32_t* const weights = tblY[row].w;
     for (int a = 0; a < 4; ++a) {
-      for (int b = 0; b < 4; ++b) tblElement[row][a][b] = tblY[row].w[b] * tblY[row].w[a];
+      for (int b = 0; b < 4; ++b) tblElement[row][a][b] = weights[b] * weights[a];
     }
   }
 }

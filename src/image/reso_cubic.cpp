@@ -124,10 +124,18 @@ void ResoCubic::fixNarrowLine(const ResoRing& ring, const std::int32_t* wy, std:
   }
 }
 
-// An output line that falls on an input line takes the first pixel of each whole group from it as it is.
+// An output line that falls on an input line takes the first pixel of each whole group from it as it is. A line that
+// was cut to the room of a fixed stride can have groups behind the last column: they take the bytes that follow it.
 void ResoCubic::copyGroupStarts(const ResoRing& ring, unsigned row, std::size_t group) {
-  const std::uint8_t* const starts = arrays(ring.slotOfRow(row), group) + 1 % m_arrays * m_arrayBytes;
+  const unsigned slot = ring.slotOfRow(row);
+  const std::uint8_t* const starts = arrays(slot, group) + 1 % m_arrays * m_arrayBytes;
   std::memcpy(phase(0), starts + 1 / m_arrays * m_components, m_setup->fullBlocksX * m_components);
+  for (std::size_t b = (m_width + m_n - 1) / m_n; b < m_setup->fullBlocksX; ++b) {
+    for (unsigned plane = 0; plane < ring.planes(); ++plane) {
+      const Place place = placeOf(plane);
+      if (place.group == group) phase(0)[b * m_components + place.component] = ring.at(slot, plane, m_n * b);
+    }
+  }
 }
 
 void ResoCubic::spread(std::uint8_t* dest) const {

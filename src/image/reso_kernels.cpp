@@ -1,6 +1,7 @@
 #include "image/reso_kernels.h"
 
 #include <algorithm>
+#include <cstring>
 
 // Built with full optimisation: the loops are written for the compiler to put into vector registers.
 #define QS_INLINE inline __attribute__((always_inline))
@@ -44,48 +45,139 @@ QS_INLINE void mixColumns(const std::int32_t* const taps[4], const std::int32_t 
   }
 }
 
-QS_INLINE void addCells(const std::int32_t* columns, const float* cellWidths, float rowHeight, std::size_t count,
-                        std::size_t planes, const float* const rows[3], float* __restrict total, float* const sums[3]) {
-  if (planes == 1) {
-    const float* const r0 = rows[0];
-    float* __restrict const s0 = sums[0];
-    for (std::size_t i = 0; i < count; ++i) {
-      const float share = cellWidths[i] * rowHeight;
-      total[i] += share;
-      s0[i] += r0[columns[i]] * share;
-    }
-    return;
-  }
-  const float* const r0 = rows[0];
-  const float* const r1 = rows[1];
-  const float* const r2 = rows[2];
+// The number of cells is known to the compiler, so that the sums stay in registers from cell to cell.
+template <std::size_t Planes, std::size_t Count>
+QS_INLINE void addCountedCells(const ResoKernels::Cells& cells, std::size_t count, float* __restrict total,
+                               float (*sums)[ResoKernels::kSumsStep]) {
   float* __restrict const s0 = sums[0];
-  float* __restrict const s1 = sums[1];
-  float* __restrict const s2 = sums[2];
+  float* __restrict const s1 = sums[Planes == 3 ? 1 : 0];
+  float* __restrict const s2 = sums[Planes == 3 ? 2 : 0];
+  const float height = cells.height;
+  const float* const widths = cells.widths;
+  const std::uint8_t* const b0 = cells.bytes[0];
+  const std::uint8_t* const b1 = cells.bytes[1];
+  const std::uint8_t* const b2 = cells.bytes[2];
+  const std::size_t step = cells.cellStep;
   for (std::size_t i = 0; i < count; ++i) {
-    const float share = cellWidths[i] * rowHeight;
-    total[i] += share;
-    s0[i] += r0[columns[i]] * share;
-    s1[i] += r1[columns[i]] * share;
-    s2[i] += r2[columns[i]] * share;
+    float sum = total[i];
+    float sum0 = s0[i];
+    float sum1 = Planes == 3 ? s1[i] : 0.0F;
+    float sum2 = Planes == 3 ? s2[i] : 0.0F;
+#pragma GCC unroll 4
+    for (std::size_t k = 0; k < Count; ++k) {
+      const float share = widths[k * step + i] * height;
+      sum += share;
+      sum0 += static_cast<float>(b0[k * step + i]) * share;
+      if constexpr (Planes == 3) {
+        sum1 += static_cast<float>(b1[k * step + i]) * share;
+        sum2 += static_cast<float>(b2[k * step + i]) * share;
+      }
+    }
+    total[i] = sum;
+    s0[i] = sum0;
+    if constexpr (Planes == 3) {
+      s1[i] = sum1;
+      s2[i] = sum2;
+    }
+  }
+}
+
+template <std::size_t Planes>
+QS_INLINE void addCells(const ResoKernels::Cells& cells, std::size_t count, float* total,
+                        float (*sums)[ResoKernels::kSumsStep]) {
+  switch (cells.count) {
+    case 1:
+      return addCountedCells<Planes, 1>(cells, count, total, sums);
+    case 2:
+      return addCountedCells<Planes, 2>(cells, count, total, sums);
+    case 3:
+      return addCountedCells<Planes, 3>(cells, count, total, sums);
+    default:
+      return addCountedCells<Planes, 4>(cells, count, total, sums);
+  }
+}
+
+QS_INLINE void splitTriples(const std::uint8_t* triples, std::size_t count, std::uint8_t* __restrict first,
+                            std::uint8_t* __restrict second, std::uint8_t* __restrict third) {
+  for (std::size_t i = 0; i < count; ++i) {
+    first[i] = triples[3 * i];
+    second[i] = triples[3 * i + 1];
+    third[i] = triples[3 * i + 2];
+  }
+}
+
+QS_INLINE void joinTriples(const std::uint8_t* first, const std::uint8_t* second, const std::uint8_t* third,
+                           std::size_t count, std::uint8_t* __restrict triples) {
+  for (std::size_t i = 0; i < count; ++i) {
+    triples[3 * i] = first[i];
+    triples[3 * i + 1] = second[i];
+    triples[3 * i + 2] = third[i];
+  }
+}
+
+QS_INLINE void means(const float* sums, const float* total, std::size_t count, std::uint8_t* __restrict out) {
+  for (std::size_t i = 0; i < count; ++i) {
+    const float mean = sums[i] / (total[i] != 0.0F ? total[i] : 1.0F);
+    const auto whole = static_cast<std::int32_t>(mean);
+    // What is behind the point is exact, so that halves go up as in any wider type.
+    out[i] = static_cast<std::uint8_t>(whole + (mean - static_cast<float>(whole) >= 0.5F ? 1 : 0));
+  }
+}
+
+QS_INLINE void halve(const std::uint8_t* upper, const std::uint8_t* lower, std::size_t count,
+                     std::uint8_t* __restrict out) {
+  for (std::size_t i = 0; i < count; ++i) {
+    std::uint16_t a = 0;  // a pair, in whichever order
+    std::uint16_t b = 0;
+    std::memcpy(&a, upper + 2 * i, sizeof(a));
+    std::memcpy(&b, lower + 2 * i, sizeof(b));
+    const auto sum = static_cast<std::uint16_t>((a & 0xFF) + (a >> 8) + (b & 0xFF) + (b >> 8) + 2);
+    out[i] = static_cast<std::uint8_t>(sum >> 2);
   }
 }
 
 // One set: the loops above, compiled for what `target` names.
-#define QS_KERNEL_SET(set, target)                                                                                     \
-  target void mixRows_##set(const std::uint8_t* const rows[4], const std::int32_t weights[4], std::size_t count,       \
-                            std::int32_t* mixed) {                                                                     \
-    mixRows(rows, weights, count, mixed);                                                                              \
-  }                                                                                                                    \
-  target void mixColumns_##set(const std::int32_t* const taps[4], const std::int32_t weights[4], std::size_t count,    \
-                               std::uint8_t* out) {                                                                    \
-    mixColumns(taps, weights, count, out);                                                                             \
-  }                                                                                                                    \
-  target void addCells_##set(const std::int32_t* columns, const float* cellWidths, float rowHeight, std::size_t count, \
-                             std::size_t planes, const float* const rows[3], float* total, float* const sums[3]) {     \
-    addCells(columns, cellWidths, rowHeight, count, planes, rows, total, sums);                                        \
-  }                                                                                                                    \
-  constexpr ResoKernels kSet_##set = {#set, mixRows_##set, mixColumns_##set, addCells_##set};
+#define QS_KERNEL_SET(set, target)                                                                                  \
+  target void mixRows_##set(const std::uint8_t* const rows[4], const std::int32_t weights[4], std::size_t count,    \
+                            std::int32_t* mixed) {                                                                  \
+    mixRows(rows, weights, count, mixed);                                                                           \
+  }                                                                                                                 \
+  target void mixColumns_##set(const std::int32_t* const taps[4], const std::int32_t weights[4], std::size_t count, \
+                               std::uint8_t* out) {                                                                 \
+    mixColumns(taps, weights, count, out);                                                                          \
+  }                                                                                                                 \
+  target void addCells1_##set(const ResoKernels::Cells& cells, std::size_t count, float* total,                     \
+                              float(*sums)[ResoKernels::kSumsStep]) {                                               \
+    addCells<1>(cells, count, total, sums);                                                                         \
+  }                                                                                                                 \
+  target void addCells3_##set(const ResoKernels::Cells& cells, std::size_t count, float* total,                     \
+                              float(*sums)[ResoKernels::kSumsStep]) {                                               \
+    addCells<3>(cells, count, total, sums);                                                                         \
+  }                                                                                                                 \
+  target void splitTriples_##set(const std::uint8_t* triples, std::size_t count, std::uint8_t* first,               \
+                                 std::uint8_t* second, std::uint8_t* third) {                                       \
+    splitTriples(triples, count, first, second, third);                                                             \
+  }                                                                                                                 \
+  target void joinTriples_##set(const std::uint8_t* first, const std::uint8_t* second, const std::uint8_t* third,   \
+                                std::size_t count, std::uint8_t* triples) {                                         \
+    joinTriples(first, second, third, count, triples);                                                              \
+  }                                                                                                                 \
+  target void means_##set(const float* sums, const float* total, std::size_t count, std::uint8_t* out) {            \
+    means(sums, total, count, out);                                                                                 \
+  }                                                                                                                 \
+  target void halve_##set(const std::uint8_t* upper, const std::uint8_t* lower, std::size_t count,                  \
+                          std::uint8_t* out) {                                                                      \
+    halve(upper, lower, count, out);                                                                                \
+  }                                                                                                                 \
+  constexpr ResoKernels kSet_##set = {#set,                                                                         \
+                                      mixRows_##set,                                                                \
+                                      mixColumns_##set,                                                             \
+                                      addCells1_##set,                                                              \
+                                      addCells3_##set,                                                              \
+                                      splitTriples_##set,                                                           \
+                                      joinTriples_##set,                                                            \
+                                      means_##set,                                                                  \
+                                      halve_##set};
 
 QS_KERNEL_SET(baseline, )
 #if defined(__x86_64__)

@@ -19,10 +19,29 @@ struct ResoKernels {
   void (*mixColumns)(const std::int32_t* const taps[4], const std::int32_t weights[4], std::size_t count,
                      std::uint8_t* out);
 
-  // For one row and one cell of each of count boxes: total and the planes' sums grow by the cell's share. columns are
-  // offsets into the rows.
-  void (*addCells)(const std::int32_t* columns, const float* cellWidths, float rowHeight, std::size_t count,
-                   std::size_t planes, const float* const rows[3], float* total, float* const sums[3]);
+  // A few cells of every box of a run of output pixels, in one row.
+  struct Cells {
+    const float* widths;           // [cell][pixel], cellStep apart
+    const std::uint8_t* bytes[3];  // by plane, likewise
+    std::size_t cellStep;
+    std::size_t count;  // 1 to kCellsAtOnce
+    float height;
+  };
+  static constexpr std::size_t kCellsAtOnce = 4;
+  static constexpr std::size_t kSumsStep = 512;
+
+  // total and the planes' sums grow by the cells' shares, cell after cell; for one plane and for three.
+  void (*addCells1)(const Cells& cells, std::size_t count, float* total, float (*sums)[kSumsStep]);
+  void (*addCells3)(const Cells& cells, std::size_t count, float* total, float (*sums)[kSumsStep]);
+  // Triples to three planes and back.
+  void (*splitTriples)(const std::uint8_t* triples, std::size_t count, std::uint8_t* first, std::uint8_t* second,
+                       std::uint8_t* third);
+  void (*joinTriples)(const std::uint8_t* first, const std::uint8_t* second, const std::uint8_t* third,
+                      std::size_t count, std::uint8_t* triples);
+  // sum / total, halves up. Anything where the total is 0.
+  void (*means)(const float* sums, const float* total, std::size_t count, std::uint8_t* out);
+  // out[i] = the mean of pair i of two rows, halves up.
+  void (*halve)(const std::uint8_t* upper, const std::uint8_t* lower, std::size_t count, std::uint8_t* out);
 };
 
 // The sets that this processor can run, the plainest first.

@@ -84,7 +84,8 @@ unsigned ResoRing::SetSaveImg2Bit(const std::uint8_t* line, unsigned long bytes)
   return countFirst(index);
 }
 
-unsigned ResoRing::SetSaveImg24Bit(const std::uint8_t* line, unsigned long bytes, int lineKind) {
+unsigned ResoRing::SetSaveImg24Bit(const ResoKernels& kernels, const std::uint8_t* line, unsigned long bytes,
+                                   int lineKind) {
   std::uint8_t* const saved = slot(m_saveLineIndex);
   const std::size_t width = planeBytes();
   if (line == nullptr) {
@@ -101,11 +102,7 @@ unsigned ResoRing::SetSaveImg24Bit(const std::uint8_t* line, unsigned long bytes
     std::uint8_t* const second = saved + width;
     std::uint8_t* const third = saved + (lineKind == 5 ? 2 * width : 0);
     const std::size_t whole = std::min<std::size_t>(bytes / 3, width);
-    for (std::size_t i = 0; i < whole; ++i) {
-      first[i] = line[3 * i];
-      second[i] = line[3 * i + 1];
-      third[i] = line[3 * i + 2];
-    }
+    kernels.splitTriples(line, whole, first, second, third);
     for (std::size_t i = whole; i < width; ++i) {
       first[i] = 3 * i < bytes ? line[3 * i] : std::uint8_t{0};
       second[i] = 3 * i + 1 < bytes ? line[3 * i + 1] : std::uint8_t{0};

@@ -9,6 +9,7 @@
 #include <cstdint>
 
 #include "image/change_reso_setup.h"
+#include "image/reso_kernels.h"
 
 class ResoRing {
  public:
@@ -34,7 +35,7 @@ class ResoRing {
   unsigned SetSaveImg8Bit(const std::uint8_t* line, unsigned long bytes);
   unsigned SetSaveImg2Bit(const std::uint8_t* line, unsigned long bytes);
   // 0 until the third plane of the line has come.
-  unsigned SetSaveImg24Bit(const std::uint8_t* line, unsigned long bytes, int lineKind);
+  unsigned SetSaveImg24Bit(const ResoKernels& kernels, const std::uint8_t* line, unsigned long bytes, int lineKind);
 
   unsigned slotOfRow(unsigned row) const { return (m_saveLineIndex + row) % kSlots; }
   unsigned long lineBytes() const { return m_lineBytes; }

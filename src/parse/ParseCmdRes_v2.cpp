@@ -1,21 +1,31 @@
 #include "parse/ParseCmdRes_v2.h"
 
 #include "foundation/trace.h"
-#include "parse/qdi_capability.h"
 #include "parse/tag_walk.h"
 
 namespace orvalle_scan_api {
+namespace {
+
+constexpr TagRow kSspTags[] = {
+    {0x2001, 2, offsetof(_SSPCMDRESPONSE, paperSource)},
+    {0x2002, 4, offsetof(_SSPCMDRESPONSE, resolutionX)},
+    {0x2003, 8, offsetof(_SSPCMDRESPONSE, pixelWidth)},
+};
+
+}  // namespace
 
 QS_SCANNER_CAPABILITY CParseCmdRes_v2::ParseDeviceInfoResponse(unsigned char* data, long size) {
   Trace trace("ParseDeviceInfoResponse");
   if (data == nullptr) return {};
   const _QDICMDRESPONSE response = GetQDIcommandResponse(data, size);
-  return qdiResponseComplete ? capabilityOf(response) : QS_SCANNER_CAPABILITY{};
+  return qdiResponseComplete ? GetParseDeviceInfoResponse(&response) : QS_SCANNER_CAPABILITY{};
 }
 
-tagQS_PUSHSCAN_PARAMETERS CParseCmdRes_v2::ParseDeviceKeyInfoResponse(unsigned char*, long) {
+tagQS_PUSHSCAN_PARAMETERS CParseCmdRes_v2::ParseDeviceKeyInfoResponse(unsigned char* data, long size) {
   Trace trace("ParseDeviceKeyInfoResponse");
-  return {};
+  if (data == nullptr) return {};
+  const _GKPCMDRESPONSE response = GetGKPcommandResponse(data, size);
+  return gkpResponseComplete ? GetParseScanKeyInfoResponse(&response) : tagQS_PUSHSCAN_PARAMETERS{};
 }
 
 PALETTE CParseCmdRes_v2::ParseColorPaletteResponse(unsigned char*, long) {
@@ -39,24 +49,7 @@ ACTUALSCANPARAM CParseCmdRes_v2::ParseActualParameterResponse(unsigned char* dat
 _SSPCMDRESPONSE CParseCmdRes_v2::GetSSPcommandResponse(unsigned char* data, long size) {
   _SSPCMDRESPONSE response{};
   walkTags(data, size, "SSP", sspResponseComplete,
-           [&response](std::uint16_t tag, const TagValue& value) -> std::optional<std::size_t> {
-             switch (tag) {
-               case 0x2001:
-                 response.paperSource = value.u8(0);
-                 response.kept2001 = value.u8(1);
-                 return 2;
-               case 0x2002:
-                 response.resolutionX = value.u16(0);
-                 response.resolutionY = value.u16(2);
-                 return 4;
-               case 0x2003:
-                 response.pixelWidth = value.u32(0);
-                 response.pixelHeight = value.u32(4);
-                 return 8;
-               default:
-                 return std::nullopt;
-             }
-           });
+           [&response](std::uint16_t tag, const TagValue& value) { return storeTag(kSspTags, tag, value, &response); });
   return response;
 }
 

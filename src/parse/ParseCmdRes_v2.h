@@ -1,4 +1,4 @@
-// Parses the tagged response bodies of the second generation: QDI, SSP and GCP.
+// Parses the tagged response bodies of the second generation: QDI, GKP, SSP and GCP.
 //
 // A body is walked into a plain record of the device's values, which is then converted. A body without its terminator
 // gives a zero record.
@@ -6,6 +6,7 @@
 #pragma once
 
 #include "parse/IParseCmdRes.h"
+#include "parse/gkp_response.h"
 #include "parse/qdi_response.h"
 
 namespace orvalle_scan_api {
@@ -23,7 +24,6 @@ using _GCPCMDRESPONSE = ICCPROFIE;
 class CParseCmdRes_v2 : public IParseCmdRes {
  public:
   QS_SCANNER_CAPABILITY ParseDeviceInfoResponse(unsigned char* data, long size) override;
-  // The panel's settings are not parsed: every item stays invalid.
   tagQS_PUSHSCAN_PARAMETERS ParseDeviceKeyInfoResponse(unsigned char* data, long size) override;
   // A second-generation device's palette is not used: a zero record.
   PALETTE ParseColorPaletteResponse(unsigned char* data, long size) override;
@@ -33,9 +33,17 @@ class CParseCmdRes_v2 : public IParseCmdRes {
   DETECTEDPAPER ParsePaperSizeDetectFrom2Vertex(unsigned char* data, long size, QS_SCANNER_CAPABILITY capability,
                                                 ACTUALSCANPARAM actual, UNITTYPE unit) override;
 
+  // The walks.
   _QDICMDRESPONSE GetQDIcommandResponse(unsigned char* data, long size);
+  _GKPCMDRESPONSE GetGKPcommandResponse(unsigned char* data, long size);
   _SSPCMDRESPONSE GetSSPcommandResponse(unsigned char* data, long size);
   _GCPCMDRESPONSE GetGCPcommandResponse(unsigned char* data, long size);
+
+  // The conversions. Null gives a zero record.
+  // generation stays 0: the caller knows it.
+  QS_SCANNER_CAPABILITY GetParseDeviceInfoResponse(const _QDICMDRESPONSE* response) const;
+  // An item that the device did not give stays invalid.
+  tagQS_PUSHSCAN_PARAMETERS GetParseScanKeyInfoResponse(const _GKPCMDRESPONSE* response) const;
   ACTUALSCANPARAM GetParseActualParameterResponse(const _SSPCMDRESPONSE* response) const;
   PAPERSOURCESELECT GetPaperSourceSelect(const _SSPCMDRESPONSE* response) const;
   ICCPROFIE GetParseColorProfileResponse(const _GCPCMDRESPONSE* response) const;

@@ -9,7 +9,14 @@ constexpr std::uint16_t kVerticalCardVersion = 0x0102;
 }  // namespace
 
 IParseCmdRes* CParseScanCmd::GetParseCmdRes(SCANCMD_GENERATION generation) {
-  return generation == SCANCMD_GENERATION_2ND ? &v2_ : nullptr;
+  switch (generation) {
+    case SCANCMD_GENERATION_1ST:
+      return &v1_;
+    case SCANCMD_GENERATION_2ND:
+      return &v2_;
+    default:
+      return nullptr;
+  }
 }
 
 std::uint32_t CParseScanCmd::GetProtocolVersion(_SCANCMD_DEVICECAP_INFO* info) {

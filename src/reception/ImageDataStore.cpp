@@ -299,7 +299,8 @@ std::uint64_t CImageDataStore::CalcReallocBuffSize(std::uint32_t buffSize, std::
 
 bool CImageDataStore::ReallocDataBlockBuffer(std::uint32_t newSize) {
   if (newSize <= m_buffSize && !IsEmpty()) return true;
-  void* const data = IsEmpty() ? std::calloc(newSize, 1) : std::realloc(block(), newSize);
+  // Not cleared: only what was written is ever read, and clearing a page costs as much as copying it.
+  void* const data = std::realloc(block(), newSize);
   if (data == nullptr) return false;
   setBlock(static_cast<unsigned char*>(data));
   m_buffSize = newSize;

@@ -17,8 +17,6 @@ constexpr unsigned long kPollMs = 100;
 // Processor time of the process, which the loop without a sleep makes comparable to the time on the wall.
 constexpr long kAbortLimitTicks = 10000000;
 
-bool isLongPaper(PAPERTYPE paper) { return paper == PAPERTYPE_LONG_NARROW || paper == PAPERTYPE_LONG; }
-
 }  // namespace
 
 CReadThread_base::~CReadThread_base() {
@@ -347,84 +345,23 @@ unsigned char* CReadThread_base::SaveDataToEscapeBuffer(const unsigned char* dat
   return copy;
 }
 
-void CReadThread_base::ClearImageDataFromArray(unsigned int firstPage) {
-  const std::size_t keep = firstPage == 0 ? 0 : firstPage - 1;
-  const std::lock_guard<std::mutex> lock(m_arrayMutex);
-  while (m_imageDataArray.size() > keep) {
-    const CImageData& last = *m_imageDataArray.back();
-    // A page that a stage works on stays until the stages have ended.
-    if (firstPage > 1 && last.IsHandedOver() && !last.IsSettled()) return;
-    m_imageDataArray.pop_back();
+// Leaves the bytes from position on for the next read.
+QSRSLT CReadThread_base::escapeRest(const unsigned char* position, const unsigned char* end, unsigned char** escape,
+                                    unsigned int* escapeSize, SCANSTATUS& status) {
+  *escape = nullptr;
+  *escapeSize = 0;
+  if (position >= end) return QSRSLT_SUCCESS;
+  const auto rest = static_cast<unsigned>(end - position);
+  *escape = SaveDataToEscapeBuffer(position, rest);
+  if (*escape == nullptr) {
+    g_ScanDevApiLog.WriteLog(0, "Alloc escape buffer failed");
+    status.status = QSRSLT_NO_ESCAPE_BUFFER;
+    status.errPageNo = lowestOpenPage();
+    return QSRSLT_NO_ESCAPE_BUFFER;
   }
-  m_firstHeldPage = std::min(m_firstHeldPage, m_imageDataArray.size());
-}
-
-void CReadThread_base::TerminateDataReadProcess(bool* found) {
-  if (found == nullptr) return;
-  for (const auto& page : m_imageDataArray) {
-    if (page->IsHandedOver()) continue;
-    CImageDataStore& store = *page->m_pCurrentStore;
-    if (store.IsEmpty() || store.IsWriteDataFinished()) continue;
-    store.FinishWriteData(true, 0);
-    store.DeleteData();
-    *found = true;
-  }
-}
-
-unsigned int CReadThread_base::GetCountOfNotXferedImageData() {
-  const auto isDone = [](const CImageData& page) { return page.IsSettled() && page.IsEmpty(); };
-  while (m_firstHeldPage < m_imageDataArray.size() && isDone(*m_imageDataArray[m_firstHeldPage])) ++m_firstHeldPage;
-  return static_cast<unsigned>(std::count_if(m_imageDataArray.begin() + static_cast<std::ptrdiff_t>(m_firstHeldPage),
-                                             m_imageDataArray.end(),
-                                             [](const auto& page) { return !page->IsEmpty(); }));
-}
-
-bool CReadThread_base::IsImageDataWritableCondition() {
-  const std::uint32_t resolution = std::min(m_userParam.resolution.x, m_userParam.resolution.y);
-  const unsigned int fewest = m_userParam.duplexType != DUPLEXTYPE_SIMPLEX ? 4 : 3;
-  unsigned int limit = fewest;
-  if (!isLongPaper(m_userParam.paperType)) {
-    limit = resolution <= 300 ? 21 : resolution <= 400 ? 13 : resolution <= 600 ? 6 : fewest;
-  }
-  return GetCountOfNotXferedImageData() < limit;
-}
-
-// Kept: while it waits the thread neither reads the device nor looks for an abort, which waits until the caller frees a
-// page. It leaves the wait when the thread is to end: otherwise a host that never frees a page could not uninitialise.
-QSRSLT CReadThread_base::WaitForImageDataWritableCondition() {
-  for (;;) {
-    qvtcl::CTTime().Sleep_ms(kPollMs);
-    m_decodeManage.DecodeProcess(m_userParam, m_deviceParam, m_capability);
-    if (IsImageDataWritableCondition()) return QSRSLT_SUCCESS;
-    AbortTimeoutProcess();
-    if (m_pScanError->IsErrorOccurred() || m_pScanError->IsCanceled()) return m_pScanError->Get().status;
-    if (m_end) return QSRSLT_CANCELED;
-    if (!callerCanFreePages()) return QSRSLT_NO_PAGE_MEMORY;
-  }
-}
-
-// Pages go out in order: with none in memory before the first that is still open, the caller has nothing to fetch, and
-// waiting for it would never end.
-bool CReadThread_base::callerCanFreePages() const {
-  const auto open = m_imageDataArray.begin() + static_cast<std::ptrdiff_t>(lowestOpenPage() - 1);
-  return std::any_of(m_imageDataArray.begin(), open, [](const auto& page) { return !page->IsEmpty(); });
-}
-
-CImageData* CReadThread_base::pageAt(unsigned int pageNo) const {
-  return pageNo == 0 || pageNo > m_imageDataArray.size() ? nullptr : m_imageDataArray[pageNo - 1].get();
-}
-
-void CReadThread_base::appendPage(std::unique_ptr<CImageData> page) {
-  const std::lock_guard<std::mutex> lock(m_arrayMutex);
-  m_imageDataArray.push_back(std::move(page));
-}
-
-unsigned int CReadThread_base::lowestOpenPage() const {
-  const auto isOpen = [](const auto& page) {
-    return !page->IsHandedOver() && !page->IsSettled() && !page->GetIsBlankPage();
-  };
-  const auto open = std::find_if(m_imageDataArray.begin(), m_imageDataArray.end(), isOpen);
-  return static_cast<unsigned>(open - m_imageDataArray.begin()) + 1;
+  g_ScanDevApiLog.WriteLog(0, "Escape %d bytes data", static_cast<int>(rest));
+  *escapeSize = rest;
+  return QSRSLT_SUCCESS;
 }
 
 }  // namespace orvalle_scan_api

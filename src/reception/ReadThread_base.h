@@ -55,6 +55,9 @@ class CReadThread_base : public IReadThread {
   void SetScanTimeOutSec(long milliseconds);
   // A copy in a new array; null when out of memory.
   static unsigned char* SaveDataToEscapeBuffer(const unsigned char* data, unsigned int size);
+  // Saves the bytes from position on as the dispatcher's *escape. 0x30401006, in status too, when out of memory.
+  QSRSLT escapeRest(const unsigned char* position, const unsigned char* end, unsigned char** escape,
+                    unsigned int* escapeSize, SCANSTATUS& status);
   // Removes the pages numbered firstPage or higher, the last first; 0 and 1 remove all.
   void ClearImageDataFromArray(unsigned int firstPage);
   // Ends and empties every page that has data, is not finished and was not handed over; *found tells whether there was
@@ -66,6 +69,14 @@ class CReadThread_base : public IReadThread {
   // Waits until fewer pages are held. 0, or the code that ends the wait: 0x30402001 when the pages in memory are all
   // behind one that is still open, so that the caller cannot free any.
   QSRSLT WaitForImageDataWritableCondition();
+
+  // Ends the page and hands it to the decode manager; a height of 0 leaves the one that was counted. A page without
+  // data becomes a blank one. 0 for a page that there is not or that has ended; 0x30404002 when it was refused.
+  QSRSLT WriteImgeDataFinishProc(unsigned int pageNo, int height);
+  // Ends every page that is still open, and counts all pages as received.
+  void finishOpenPages(SCANSTATUS& status);
+  // A width or height of the device, cut to what can be true.
+  static int believedPixels(std::uint32_t told);
 
   // The page, or null. Read thread.
   CImageData* pageAt(unsigned int pageNo) const;

@@ -5,7 +5,7 @@
 
 #include "foundation/trace.h"
 #include "modules/ScanDec.h"
-#include "reception/device_errors_v2.h"
+#include "reception/device_errors.h"
 #include "settings/AdjustScanSetting.h"
 #include "settings/ConvertUnit.h"
 #include "settings/PaperSize.h"
@@ -20,11 +20,6 @@ constexpr int kInfoSize = 0;
 constexpr int kInfoColorCheck = 1;
 constexpr int kTimerRestart = 0;
 constexpr QSRSLT kOtherStatus = 0xD0;
-// The largest width or height that a device is believed: 22 metres at 1200 dpi. Sizes in bytes of such lines fit an
-// int, and a page is not made huge by a damaged number.
-constexpr std::uint32_t kMostPixels = 0xFFFFF;
-
-int believedPixels(std::uint32_t told) { return static_cast<int>(std::min(told, kMostPixels)); }
 
 }  // namespace
 
@@ -133,21 +128,7 @@ QSRSLT CReadThread_v2::DispatchReceivedData(unsigned char* bytes, unsigned int s
     position = next;
     if (result != 0) break;
   }
-  *escape = nullptr;
-  *escapeSize = 0;
-  if (position < end) {
-    const auto rest = static_cast<unsigned>(end - position);
-    *escape = SaveDataToEscapeBuffer(position, rest);
-    if (*escape == nullptr) {
-      g_ScanDevApiLog.WriteLog(0, "Alloc escape buffer failed");
-      result = QSRSLT_NO_ESCAPE_BUFFER;
-      status.status = result;
-      status.errPageNo = lowestOpenPage();
-    } else {
-      g_ScanDevApiLog.WriteLog(0, "Escape %d bytes data", static_cast<int>(rest));
-      *escapeSize = rest;
-    }
-  }
+  if (const QSRSLT saved = escapeRest(position, end, escape, escapeSize, status); saved != 0) result = saved;
   // The device is closed by then: a page that was begun behind the end of all pages gets no end of its own either.
   if (m_pScanError->IsAllPageEnd() && !m_pScanError->IsErrorOccurred()) finishOpenPages(status);
   // The local copy may be older than what DispatchStatusCode recorded; the merge keeps the newer.
@@ -338,31 +319,6 @@ void CReadThread_v2::endScan(const IMAGE_HEADER& header, const PARSE_RESULT& rec
   bool found = false;
   TerminateDataReadProcess(&found);
   if (!found) status.betweenPageErr = true;
-}
-
-QSRSLT CReadThread_v2::WriteImgeDataFinishProc(unsigned int pageNo, int height) {
-  CImageData* page = pageAt(pageNo);
-  // A page that is settled, a blank one, is the caller's by now.
-  if (page == nullptr || page->IsHandedOver() || page->IsSettled()) return QSRSLT_SUCCESS;
-  CImageDataStore& store = *page->m_pCurrentStore;
-  // A page without any data would never come out of the stages.
-  if (store.IsEmpty()) page->SetIsBlankPage(true);
-  store.FinishWriteData(false, height);
-  if (!page->GetIsBlankPage()) {
-    return m_decodeManage.WriteImage(page) ? QSRSLT_SUCCESS : QSRSLT_PAGE_NOT_HANDED_OVER;
-  }
-  store.DeleteData();
-  page->Settle();
-  return QSRSLT_SUCCESS;
-}
-
-// At the end of all pages a page that has had no end of its own has one now. Such a page is received: a restart or a
-// stop that still lies in the buffer must not take it away again.
-void CReadThread_v2::finishOpenPages(SCANSTATUS& status) {
-  for (unsigned int pageNo = 1; pageNo <= pageCount(); ++pageNo) {
-    if (!pageAt(pageNo)->GetIsBlankPage()) WriteImgeDataFinishProc(pageNo, 0);
-  }
-  status.lastReceivePageNo = std::max(status.lastReceivePageNo, pageCount());
 }
 
 void CReadThread_v2::SetBlankPageFlag(unsigned int pageNo) {

@@ -37,8 +37,6 @@ class CReadThread_v2 : public CReadThread_base {
   bool DispatchStatusCode(const IMAGE_HEADER& header, const PARSE_RESULT& result);
   void endPage(const IMAGE_HEADER& header, SCANSTATUS& status);
   void endScan(const IMAGE_HEADER& header, const PARSE_RESULT& result, SCANSTATUS& status);
-  QSRSLT WriteImgeDataFinishProc(unsigned int pageNo, int height);
-  void finishOpenPages(SCANSTATUS& status);
   void SetBlankPageFlag(unsigned int pageNo);
   void SetPageScanIsTerminated(unsigned int pageNo);
   void SetAutoColorInfo(unsigned int pageNo, int bitPerPixel);

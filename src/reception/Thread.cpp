@@ -1,8 +1,14 @@
 #include "reception/Thread.h"
 
+#include <new>
 #include <system_error>
 
 namespace orvalle_scan_api {
+namespace {
+
+constexpr char kThreadFailed[] = "thread constructor failed";
+
+}  // namespace
 
 CThread_Base::~CThread_Base() { CThread_Base::End(); }
 
@@ -11,7 +17,9 @@ bool CThread_Base::Start() {
   try {
     m_thread = std::thread(&CThread_Base::ThreadProcEntry, this);
   } catch (const std::system_error& error) {
-    throw std::system_error(error.code(), "thread constructor failed");
+    throw std::system_error(error.code(), kThreadFailed);
+  } catch (const std::bad_alloc&) {
+    throw std::system_error(std::make_error_code(std::errc::not_enough_memory), kThreadFailed);
   }
   return m_thread.joinable();
 }

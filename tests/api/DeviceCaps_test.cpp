@@ -164,8 +164,7 @@ TEST(DeviceCaps, ADeadDeviceLooksLikeAnA4MachineOf1200Dpi) {
   Dead bench;
   CDeviceCaps& caps = bench.caps;
   EXPECT_EQ(caps.GetScannerCommandVersion(), 0x0101);
-  const SUPPORTCOLORTYPES colors = caps.GetColorTypes();
-  EXPECT_TRUE(sameBytes(colors, SUPPORTCOLORTYPES{1, 1, 1, 0, 1, 0, 0}));
+  EXPECT_EQ(caps.GetColorTypes(), 0x100010101u);
   EXPECT_TRUE(sameBytes(caps.GetPaperSource(), SUPPORTPAPERSOURCES{1, 1, 1, 0}));
   EXPECT_FALSE(caps.IsFlatbedSupported()) << "the flags' own default is no";
   EXPECT_FALSE(caps.IsAdfSupported());
@@ -216,7 +215,9 @@ TEST(DeviceCaps, CopiesAreTheRecordsOwnFields) {
   const DEVINFO_BASEFUNC& base = known.record().baseFunc;
   EXPECT_EQ(known.caps.GetScannerCommandVersion(), known.record().commandVersion);
   EXPECT_TRUE(sameBytes(known.caps.GetOpticalResolution(), base.resolutionOptical));
-  EXPECT_TRUE(sameBytes(known.caps.GetColorTypes(), base.colorType));
+  std::uint64_t colors = 0;
+  std::memcpy(&colors, &base.colorType, 7);
+  EXPECT_EQ(known.caps.GetColorTypes(), colors);
   EXPECT_TRUE(sameBytes(known.caps.GetPaperSource(), base.paperSource.supportPaperSource));
   EXPECT_TRUE(sameBytes(known.caps.GetMaxSize(), base.supportDocSizeMax));
   EXPECT_TRUE(sameBytes(known.caps.GetMinSize(), base.deviceScanSizeMin));
@@ -227,6 +228,14 @@ TEST(DeviceCaps, CopiesAreTheRecordsOwnFields) {
   EXPECT_EQ(known.caps.GetDeviceCapability(&copy), 0u);
   EXPECT_TRUE(sameBytes(copy, known.record()));
   EXPECT_EQ(known.queries(), 0);
+}
+
+TEST(DeviceCaps, ColourTypesAreBytesOfOneNumberTheFirstFlagLowest) {
+  Known known([](Record& record) { record.baseFunc.colorType = {1, 0, 0, 0, 0, 0, 0}; });
+  EXPECT_EQ(known.caps.GetColorTypes(), 1u);
+  known.record().baseFunc.colorType = {0, 0, 0, 1, 0, 1, 1};
+  EXPECT_EQ(known.caps.GetColorTypes(), 0x01010001000000u);
+  EXPECT_EQ(known.caps.GetColorTypes() >> 56, 0u) << "there is no eighth flag";
 }
 
 TEST(DeviceCaps, AFeatureIsThereOnlyIfItsCapIsTwo) {

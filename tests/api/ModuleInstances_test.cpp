@@ -9,15 +9,28 @@
 #include <string>
 #include <vector>
 
+#include "api/DynLib_base.h"
 #include "api/ScanProtocol.h"
+#include "foundation/qvtcl/TModulePath.h"
 #include "image/DecodeManage.h"
 
 namespace {
 std::vector<std::string> notes;
-}
+bool folderIsFound = true;
+}  // namespace
 
 // The modules tell their life to this.
 extern "C" __attribute__((visibility("default"))) void qsTestNote(const char* note) { notes.emplace_back(note); }
+
+// The linker leads the search for a module's path here.
+extern "C" qvtcl::CTString __real__ZN5qvtcl12CTModulePath22GenerateModuleFileNameEPKvPKc(qvtcl::CTModulePath*,
+                                                                                         const void*, const char*);
+extern "C" qvtcl::CTString __wrap__ZN5qvtcl12CTModulePath22GenerateModuleFileNameEPKvPKc(qvtcl::CTModulePath* self,
+                                                                                         const void* identifier,
+                                                                                         const char* fileName) {
+  if (!folderIsFound) return {};
+  return __real__ZN5qvtcl12CTModulePath22GenerateModuleFileNameEPKvPKc(self, identifier, fileName);
+}
 
 namespace orvalle_scan_api {
 namespace {
@@ -122,6 +135,21 @@ TEST_F(ModuleInstances, AreNullForAFileThatIsMissingOrNoModuleAndComeOnceItIsThe
   }
 }
 
+TEST_F(ModuleInstances, WithoutAFolderAreWhatWasLoadedBefore) {
+  for (const Getter& getter : kGetters) {
+    put(getter.stem, "working");
+    CModuleInstances modules;
+    folderIsFound = false;
+    EXPECT_EQ(getter.get(modules), nullptr) << getter.stem;
+    folderIsFound = true;
+    void* const loaded = getter.get(modules);
+    EXPECT_NE(loaded, nullptr) << getter.stem;
+    folderIsFound = false;
+    EXPECT_EQ(getter.get(modules), loaded) << getter.stem;
+    folderIsFound = true;
+  }
+}
+
 TEST_F(ModuleInstances, AreReleasedInTheirOrder) {
   for (const char* stem : kStems) put(stem, "working");
   {
@@ -155,6 +183,12 @@ TEST_F(ModuleInstances, KeepTheirNamesToThemselves) {
   CModuleInstances modules;
   ASSERT_NE(modules.GetDeviceAccessInstance(), nullptr);
   EXPECT_EQ(dlsym(RTLD_DEFAULT, "CreateInstance"), nullptr) << "modules are opened locally";
+}
+
+TEST(DynLibBase, HoldsAHandleAndNothingElse) {
+  int module = 0;
+  EXPECT_EQ(CDynLib_base().GetMyModuleHandle(), nullptr);
+  EXPECT_EQ(CDynLib_base(&module).GetMyModuleHandle(), &module);
 }
 
 // --- What the facade makes of it -----------------------------------------------------------------------------------

@@ -395,5 +395,43 @@ TEST(ScanProc, AForecastOfAbsurdSettingsStaysInItsNumbers) {
   EXPECT_EQ(info.widthPixel, INT_MAX);
 }
 
+// --- For embedders ---------------------------------------------------------------------------------------------------
+
+TEST(ScanProc, SettingsThatAreSetLaterShowInTheForecast) {
+  Bench bench;
+  auto settings = kSettings;
+  settings.resolution = {600, 300};
+  settings.scanArea = {0, 0, 2540, 2540, UNIT_MILLIMETER};
+  bench.proc.SetUserScanParam(settings);
+  const QS_BITMAP_IMAGE_INFO info = bench.proc.GetScanBitmapImageInfo();
+  EXPECT_EQ(info.resolutionX, 600);
+  EXPECT_EQ(info.widthPixel, 600);
+  EXPECT_EQ(info.heightPixel, 300);
+}
+
+TEST(ScanProc, AnAreaIsConvertedToPixelsInACopyOfTheSettings) {
+  auto settings = kSettings;
+  settings.resolution = {600, 300};
+  settings.scanArea = {2540, 5080, 7620, 10160, UNIT_MILLIMETER};
+  const QS_SCANNER_PARAMETERS converted = CScanProc::ConvertScanAreaToPixel(settings);
+  EXPECT_EQ(converted.scanArea.left, 600);
+  EXPECT_EQ(converted.scanArea.top, 600);
+  EXPECT_EQ(converted.scanArea.right, 1800);
+  EXPECT_EQ(converted.scanArea.bottom, 1200);
+  EXPECT_EQ(converted.scanArea.unit, UNIT_PIXEL);
+  EXPECT_EQ(converted.resolution.x, 600u);
+  EXPECT_EQ(settings.scanArea.unit, UNIT_MILLIMETER);
+}
+
+TEST(ScanProc, WaitingForAStatusEndsWithTheFirstOther) {
+  Bench bench;
+  EXPECT_EQ(bench.proc.WaitForXferStatus(RECEIVING), READY);
+  bench.initialize();
+  ASSERT_EQ(bench.start(pages(1)), 0u);
+  EXPECT_EQ(bench.proc.WaitForXferStatus(RECEIVING), XFERREADY);
+  EXPECT_EQ(bench.read().result, 0u);
+  EXPECT_EQ(bench.proc.WaitForXferStatus(RECEIVING), ALLEND);
+}
+
 }  // namespace
 }  // namespace reception_test

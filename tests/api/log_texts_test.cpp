@@ -61,9 +61,10 @@ TEST(LogTexts, OfTheFacadesOperations) {
     expectStartAtLevel(levels, 1, std::string(">>>>> ") + operation + " >>>>>");
     expectStartAtLevel(levels, 1, std::string("<<<<< ") + operation + " <<<<<");
   }
-  for (const char* operation : {"GetScanStatus", "GetDeviceAccessInstance", "GetScanCmdInstance",
-                                "GetDeviceCapsInstance", "GetScanProcInstance", "InitScanCmd", "InitDeviceCaps",
-                                "InitScanProc", "PrepareQueryCapabilities", "PrepareScanning"}) {
+  for (const char* operation :
+       {"GetScanStatus", "GetDeviceAccessInstance", "GetScanCmdInstance", "GetDeviceCapsInstance",
+        "GetScanProcInstance", "InitScanCmd", "InitDeviceCaps", "InitScanProc", "PrepareQueryCapabilities",
+        "PrepareScanning", "ConvertDevInfoToDevIdentifier"}) {
     expectStartAtLevel(levels, 2, std::string(">>>>> ") + operation + " >>>>>");
     expectStartAtLevel(levels, 2, std::string("<<<<< ") + operation + " <<<<<");
   }
@@ -76,6 +77,23 @@ TEST(LogTexts, OfTheFacadesOperations) {
   expectAtLevel(levels, 0, "Device not selected");
   expectAtLevel(levels, 0, "Check Document result = 0x202003");
   expectAtLevel(levels, 0, "ScanProc instance is null");
+}
+
+// The primary name alone counts on a direct connection.
+TEST(LogTexts, OfADeviceWithoutItsName) {
+  const auto messages = runWithLog("LogLevel=2\n", [] {
+                          MemoryDevice device;
+                          CScanProtocol core;
+                          core.SetDeviceAccess(&device);
+                          core.Initialize();
+                          _QS_SELECT_DEVICE_INFO info{1, "", "second"};
+                          EXPECT_EQ(core.SelectDevice(info), 0u);
+                          QS_SCANNER_CAPABILITY capability;
+                          EXPECT_EQ(core.QueryDeviceCapabilities(&capability), 0x10100010u);
+                        }).messages();
+  EXPECT_GT(countOf(messages, "<<<<< ConvertDevInfoToDevIdentifier <<<<< ret = 0x70100013"), 0);
+  EXPECT_GT(countOf(messages, "<<<<< GetScanCmdInstance <<<<<"), 0);
+  EXPECT_EQ(countOf(messages, "<<<<< InitScanCmd <<<<< ret = 0x10100010"), 1);
 }
 
 TEST(LogTexts, EveryEntryHasItsExitButOne) {

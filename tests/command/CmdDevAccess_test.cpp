@@ -164,6 +164,28 @@ TEST_F(CmdDevAccess, ABodyMayComeInAnyPartsBehindItsHeader) {
   }
 }
 
+TEST_F(CmdDevAccess, EveryProperPrefixOfAnAnswerEndsByTimeOut) {
+  const struct {
+    Info info;
+    bool counted;
+    std::string bytes;
+  } rows[] = {{shape(0, 2, 1), true, "\xC1\x00\x04\x10YZ"s},
+              {secondGenerationShape(), false, framed("GKP", pattern(20))},
+              {shape(1, 0, 2), false, "\x30\x05\0abcde"s},
+              {shape(0, 0, 2), false, "\x03\0abc"s}};
+  for (const auto& row : rows) {
+    const int headerBytes = row.info.resultSize + row.info.signatureSize + row.info.lengthSize;
+    for (std::size_t size = 0; size < row.bytes.size(); ++size) {
+      SCOPED_TRACE(row.bytes + " cut to " + std::to_string(size));
+      Info info = row.info;
+      if (size > 0) device.answer(row.bytes.substr(0, size));
+      device.timeOut();
+      EXPECT_EQ(receive(info, 5000, row.counted), ScriptedDevice::kTimeOut);
+      EXPECT_EQ(info.data != nullptr, static_cast<int>(size) >= headerBytes);
+    }
+  }
+}
+
 TEST_F(CmdDevAccess, ASplitHeaderIsNotAssembled) {
   const std::string bytes = framed("GKP", "ab");
   for (std::size_t cut = 1; cut < 8; ++cut) {

@@ -145,11 +145,12 @@ TEST_F(ScanCmd_v2, EveryResultByteOfARefusalIsTheLowByteOfTheCode) {
   }
 }
 
-TEST_F(ScanCmd_v2, NullArgumentsAreRefusedUnsent) {
+TEST_F(ScanCmd_v2, NullArgumentsAreRefusedUnbuiltAndUnsent) {
   for (const Query& query : kQueries) EXPECT_EQ(query.run(command, nullptr), 0x70210002u) << query.signature;
   EXPECT_EQ(command.ExeSSPcmd(&response, nullptr), 0x70210002u);
   EXPECT_EQ(command.ExeXSCcmd(nullptr), 0x70210002u);
   EXPECT_TRUE(device.writes.empty());
+  EXPECT_EQ(log.all().find(" Command:"), std::string::npos) << log.all();
 }
 
 TEST_F(ScanCmd_v2, ARefusedArgumentBuildsNoFrameAndHandsOutWhatIsStored) {
@@ -170,6 +171,7 @@ TEST_F(ScanCmd_v2, WithoutAccessNothingElseIsLookedAt) {
   EXPECT_EQ(without.ExeABTcmd(SCANCMD_EJECTION_ALL), 0x40210011u);
   EXPECT_EQ(without.ExeCKDcmd(SCANCMD_PAPERSOURCE_ADF), 0x40210011u);
   EXPECT_TRUE(log.says(kNoAccess)) << log.all();
+  EXPECT_EQ(log.all().find(" Command:"), std::string::npos) << log.all();
 }
 
 TEST_F(ScanCmd_v2, TheStartIsSentWithoutWaitingForAnAnswer) {

@@ -170,7 +170,7 @@ class FakeDeviceCaps : public ICDeviceCaps {
   std::uint16_t GetScannerCommandVersion() override { return capability.commandVersion; }
   OPTICALRESOLUTIONS GetOpticalResolution() override { return {}; }
   bool CreateResolutionList(unsigned int*, QS_SCANNER_CAPABILITY*) override { return false; }
-  SUPPORTCOLORTYPES GetColorTypes() override { return {}; }
+  std::uint64_t GetColorTypes() override { return 0; }
   SUPPORTPAPERSOURCES GetPaperSource() override { return {}; }
   bool IsDuplexSupport() override { return false; }
   DEVICESCANSIZES GetMaxSize() override { return {}; }

@@ -9,10 +9,12 @@ namespace fakes {
 
 using namespace std::chrono_literals;
 
-ByteString operator+(ByteString left, const ByteString& right) {
+ByteString& operator+=(ByteString& left, const ByteString& right) {
   left.insert(left.end(), right.begin(), right.end());
   return left;
 }
+
+ByteString operator+(ByteString left, const ByteString& right) { return std::move(left += right); }
 
 ByteString u16(std::uint32_t value) {
   return {static_cast<std::uint8_t>(value), static_cast<std::uint8_t>(value >> 8)};
@@ -40,7 +42,21 @@ ByteString sspAnswer(std::uint32_t dpiX, std::uint32_t dpiY, std::uint32_t maxWi
                            tag(0x2003, u32(maxWidthPx) + u32(maxHeightPx)) + endTag());
 }
 
-MemoryDevice::MemoryDevice() {
+ByteString iAnswer(std::uint32_t dpiX, std::uint32_t dpiY, std::uint32_t maxWidthPx, std::uint32_t maxHeightPx) {
+  const ByteString body = text(std::to_string(dpiX) + "," + std::to_string(dpiY) + ",0,2159," +
+                               std::to_string(maxWidthPx) + ",2794," + std::to_string(maxHeightPx));
+  return ByteString{0} + u16(static_cast<std::uint32_t>(body.size())) + body;
+}
+
+MemoryDevice::MemoryDevice(int generation)
+    : startMnemonic_(generation == 1 ? "X" : "XSC"), abortMnemonic_(generation == 1 ? "R" : "ABT") {
+  if (generation == 1) {
+    abortAnswer_ = {0x83};
+    answer("Q", qAnswer(11));
+    answer("I", iAnswer(300, 300));
+    return;
+  }
+  abortAnswer_ = {0x00, 0x40};
   const ByteString dpi = u16(600) + u16(600);
   const ByteString size = u16(2159) + u16(3556);
   answer("Q", qAnswer());
@@ -187,13 +203,13 @@ int MemoryDevice::Write(const void* data, int size, int) {
   const std::string frame = bytes.size() < 2 ? std::string() : bytes.substr(1, bytes.size() - 2);
   const std::string mnemonic = frame.substr(0, frame.find('\n'));
   frames_.push_back(frame);
-  if (mnemonic == "XSC") {
+  if (mnemonic == startMnemonic_) {
     streaming_ = true;
     ++starts_;
     quietSeen_ = abortSeen_ = false;
     askedSizes_.clear();
     stream_.assign(script_.begin(), script_.end());
-  } else if (mnemonic == "ABT") {
+  } else if (mnemonic == abortMnemonic_) {
     abortSeen_ = true;
     if (refusesAborts_) return fail(kFailure);
     if (!abortAnswer_.empty()) stream_ = {MemoryDevice::data(abortAnswer_)};
@@ -221,6 +237,9 @@ int MemoryDevice::Read(void* buffer, unsigned int size, unsigned int, long timeO
 
 int MemoryDevice::readStream(void* buffer, unsigned int size, std::unique_lock<std::mutex>& lock) {
   if (askedSizes_.size() < 1000) askedSizes_.push_back(size);
+  if (!stream_.empty() && stream_.front().kind == Part::Made) {
+    if (ByteString bytes = stream_.front().make(); !bytes.empty()) stream_.push_front(data(std::move(bytes)));
+  }
   const Part::Kind kind = stream_.empty() ? Part::QuietForEver : stream_.front().kind;
   if (kind == Part::Data) {
     ByteString& bytes = stream_.front().bytes;

@@ -1,13 +1,14 @@
-// A second-generation scanner played from memory, for whole scans through the core.
+// A scanner of either generation played from memory, for whole scans through the core.
 //
-// It answers each command with the bytes that the test gave for its mnemonic, and after XSC serves a stream that is a
-// list of parts: one part is what one read gets. Behind the last part it is silent. ABT drops the rest of the stream
-// and puts the answer 00 40 in its place. Every call is counted, and the n-th can be made to fail.
+// It answers each command with the bytes that the test gave for its mnemonic, and after XSC, or X, serves a stream that
+// is a list of parts: one part is what one read gets. Behind the last part it is silent. ABT, or R, drops the rest of
+// the stream and puts the answer 00 40, or 83, in its place. Every call is counted, and the n-th can be made to fail.
 // Threads: the script is set while no scan runs; the rest is thread-safe.
 #pragma once
 
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
@@ -20,6 +21,7 @@ namespace fakes {
 
 using ByteString = std::vector<std::uint8_t>;
 
+ByteString& operator+=(ByteString& left, const ByteString& right);
 ByteString operator+(ByteString left, const ByteString& right);
 ByteString u16(std::uint32_t value);
 ByteString u32(std::uint32_t value);
@@ -36,28 +38,36 @@ ByteString qAnswer(std::uint8_t version = 0x10);
 ByteString sspAnswer(std::uint32_t dpiX, std::uint32_t dpiY, std::uint32_t maxWidthPx = 2550,
                      std::uint32_t maxHeightPx = 3300, std::uint8_t source = 2);
 
+// The answer to I: the resolution and the largest area in pixels; the source is the bed.
+ByteString iAnswer(std::uint32_t dpiX, std::uint32_t dpiY, std::uint32_t maxWidthPx = 2550,
+                   std::uint32_t maxHeightPx = 3300);
+
 class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
  public:
   static constexpr std::uint32_t kTimeOut = 0x40500031;
   static constexpr std::uint32_t kFailure = 0x40500099;
 
   struct Part {
-    enum Kind { Data, Quiet, QuietForEver, TimeOut, Failure, Gone } kind = Data;
+    enum Kind { Data, Quiet, QuietForEver, TimeOut, Failure, Gone, Made } kind = Data;
     ByteString bytes{};                   // Data
     int reads = 1;                        // Quiet: so many reads find nothing
     std::uint32_t lastResult = kFailure;  // Failure and Gone
+    std::function<ByteString()> make{};   // Made
   };
   static Part data(ByteString bytes) { return {Part::Data, std::move(bytes)}; }
   static Part quiet(int reads = 1) { return {Part::Quiet, {}, reads}; }
   static Part quietForEver() { return {Part::QuietForEver}; }
   static Part timeOut() { return {Part::TimeOut}; }
+  // Data that is made when it is read, for a stream too long to be held; nothing made is a read that finds nothing.
+  // make runs on the thread that reads. The last part of a script.
+  static Part made(std::function<ByteString()> make) { return {Part::Made, {}, 1, kFailure, std::move(make)}; }
   // A read that fails and leaves the device open.
   static Part failure(std::uint32_t lastResult) { return {Part::Failure, {}, 1, lastResult}; }
   // A read that fails because the device has gone.
   static Part gone(std::uint32_t lastResult = kFailure) { return {Part::Gone, {}, 1, lastResult}; }
 
-  // A device with bed and feeder, 300 dpi, that answers Q, QDI and SSP.
-  MemoryDevice();
+  // A device with bed and feeder, 300 dpi, that answers Q, QDI and SSP, or Q and I.
+  explicit MemoryDevice(int generation = 2);
 
   // The script.
   void answer(const std::string& mnemonic, ByteString bytes) { answers_[mnemonic] = std::move(bytes); }
@@ -68,7 +78,7 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   void blockInSilence(int waitMs) { silenceMs_ = waitMs; }
   // The n-th counted call (Open, Read, Write, from 1) fails, and the device is gone afterwards if isGone. 0: none.
   void failCall(int n, bool isGone = false);
-  // Writing ABT fails, with the frame noted.
+  // Writing the abort fails, with the frame noted.
   void refuseAborts(bool refuse);
   void refuseToOpen(bool refuse) { refusesToOpen_ = refuse; }
 
@@ -86,7 +96,7 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   // Waits until a read of the stream that was given last has found nothing; false after ten seconds.
   bool waitUntilQuiet();
   bool isQuiet() const;     // the same, asked
-  bool wroteAbort() const;  // ABT came since XSC
+  bool wroteAbort() const;  // the abort came since the start
   bool waitForMnemonic(const std::string& mnemonic);
   void forgetCalls();
 
@@ -105,8 +115,10 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   int give(void* buffer, unsigned int size, ByteString& bytes);
   int readStream(void* buffer, unsigned int size, std::unique_lock<std::mutex>& lock);
 
+  const std::string startMnemonic_;
+  const std::string abortMnemonic_;
   std::map<std::string, ByteString> answers_;
-  ByteString abortAnswer_{0x00, 0x40};
+  ByteString abortAnswer_;
   int silenceMs_ = -1;
   bool refusesToOpen_ = false;
 
@@ -115,7 +127,7 @@ class MemoryDevice final : public orvalle_scan_api::IDeviceAccess {
   // Guarded by mutex_.
   bool open_ = false;
   bool streaming_ = false;
-  int starts_ = 0;        // XSC commands
+  int starts_ = 0;        // start commands
   int awaitedStart_ = 1;  // the one that serves the stream that was given last
   bool quietSeen_ = false;
   bool abortSeen_ = false;

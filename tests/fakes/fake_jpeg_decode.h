@@ -3,6 +3,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <vector>
 
 #include "modules/JpegDecode.h"
@@ -26,6 +27,7 @@ class FakeJpegDecode : public orvalle_scan_api::IJpegDecode {
   orvalle_scan_api::JPEGBANDINFO bandInfo{};
   Status writeBandStatus = orvalle_scan_api::JPEGDECODE_OK;
   std::deque<BandStep> bandSteps;  // then: needs more input, no line
+  std::function<void()> onDecode;  // runs on the worker, once for a page and with each feed of a band
 
   std::vector<unsigned> modeQuestions;
   std::vector<std::uint8_t> seenJpeg;
@@ -68,6 +70,7 @@ class FakeJpegDecode : public orvalle_scan_api::IJpegDecode {
 
  private:
   void see(const void* data, unsigned int size) {
+    if (onDecode) onDecode();
     const auto* bytes = static_cast<const std::uint8_t*>(data);
     seenJpeg.insert(seenJpeg.end(), bytes, bytes + size);
   }

@@ -3,12 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <memory>
-#include <thread>
-
 #include "tests/fakes/test_bmp.h"
-#include "tests/image/stage_run.h"
+#include "tests/image/pipeline_run.h"
 #include "tests/modules/jpeg_pictures.h"
 
 using namespace orvalle_scan_api;
@@ -19,23 +15,14 @@ namespace {
 constexpr int kWidth = 20;
 constexpr int kHeight = 16;
 
-struct Pipeline : ::testing::Test {
-  fakes::Settings settings;
-  QS_SCANNER_CAPABILITY capability{};
-  CScanError scanError;
-  std::vector<std::unique_ptr<CImageData>> pages;  // outlive the pipeline
-  CDecodeManage manage;
-
+struct Pipeline : ::testing::Test, fakes::PipelineRun {
   void SetUp() override {
-    manage.SetScanProcStatus(&scanError);
+    ASSERT_TRUE(initialize());
     ASSERT_EQ(manage.GetScanProcStatus(), &scanError);
-    ASSERT_EQ(manage.Initialize(), 0u);
     settings.device.scanArea = {0, 0, kWidth, kHeight, UNIT_PIXEL};
   }
   CImageData& newPage(CImageDataStore CImageData::*store, unsigned dataType, unsigned code, int height) {
-    pages.push_back(std::make_unique<CImageData>());
-    CImageData& page = *pages.back();
-    page.SetPageNo(static_cast<unsigned>(pages.size()));
+    CImageData& page = PipelineRun::newPage();
     page.m_pCurrentStore = &(page.*store);
     page.m_pCurrentStore->StartWriteData(300, 300, kWidth, height, COLORTYPE_COLOR24BIT, dataType, code);
     return page;
@@ -61,18 +48,6 @@ struct Pipeline : ::testing::Test {
     page.m_jpegData.FinishWriteData(false, kHeight);
     return page;
   }
-  QSRSLT step() { return manage.DecodeProcess(settings.user, settings.device, capability); }
-  // Steps until every page is settled.
-  void runAll() {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    for (bool done = false; !done && std::chrono::steady_clock::now() < limit;) {
-      ASSERT_EQ(step(), 0u);
-      done = true;
-      for (const auto& page : pages) done = done && page->IsSettled();
-      std::this_thread::yield();
-    }
-    for (const auto& page : pages) EXPECT_TRUE(page->IsSettled()) << page->GetPageNo();
-  }
   void expectLinePage(CImageData& page) {
     ByteVector pixels;
     for (int y = kHeight - 1; y >= 0; --y) {
@@ -90,16 +65,7 @@ struct Pipeline : ::testing::Test {
 
 TEST_F(Pipeline, PagesOfLinesComeOutInTheirOrderAsBmps) {
   for (int i = 0; i < 12; ++i) ASSERT_TRUE(manage.WriteImage(&linePage()));
-  unsigned settled = 0;
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-  while (settled < pages.size() && std::chrono::steady_clock::now() < limit) {
-    ASSERT_EQ(step(), 0u);
-    while (settled < pages.size() && pages[settled]->IsSettled()) ++settled;
-    for (std::size_t later = settled + 1; later < pages.size(); ++later) {
-      ASSERT_FALSE(pages[later]->IsSettled()) << "page " << later + 1 << " overtook";
-    }
-  }
-  ASSERT_EQ(settled, pages.size());
+  runAll();
   for (auto& page : pages) {
     expectLinePage(*page);
     EXPECT_EQ(page->m_pCurrentStore, &page->m_finalData);

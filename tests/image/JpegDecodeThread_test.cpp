@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "tests/fakes/fake_jpeg_decode.h"
 #include "tests/fakes/test_bmp.h"
 #include "tests/image/stage_run.h"
@@ -193,6 +195,47 @@ TEST_F(JpegStage, BandLinesStayInTheOrderOfTheJpeg) {
   EXPECT_TRUE(page.m_jpegData.IsEmpty());
   EXPECT_EQ(decoder.closeBands, 1);
   EXPECT_EQ(decoder.endPages, 0);
+}
+
+// The height that the decoder told stands in the header, whatever the store said and however many lines came.
+TEST_F(JpegStage, ABandPageHasTheDecodersHeightAndTheLinesThatCame) {
+  bands(5, 4, 24, 3);
+  receiveJpeg(5, 2);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(raw()[22], 4);
+  EXPECT_EQ(page.m_rawData.GetHeightPixel(), 4);
+  EXPECT_EQ(fakes::pixelsOf(raw()).size(), 45u);
+  unsigned lineBytes = 0;
+  for (int line = 0; line < 3; ++line) ASSERT_NE(page.m_rawData.ReadLineData(&lineBytes), nullptr);
+  EXPECT_EQ(page.m_rawData.ReadLineData(&lineBytes), nullptr) << "readers stop at the bytes that are there";
+}
+
+TEST_F(JpegStage, ABandPageOfGreyIsLabelledAsAWholeOne) {
+  bands(5, 3, 8, 3);
+  receiveJpeg(5, 3);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(page.m_rawData.GetColorType(), COLORTYPE_TRUEGRAY);
+  EXPECT_EQ(page.m_rawData.GetDataType(), 1u);
+  EXPECT_EQ(raw().size(), 1078u + 15);
+}
+
+TEST_F(JpegStage, NothingIsThrownOutOfTheThread) {
+  for (const int mode : {1, 2}) {
+    bands(5, 3, 24, 3);
+    decoder.decodeMode = mode;
+    scanError.Reset();
+    receiveJpeg(5, 3);
+    decoder.onDecode = [] { throw std::bad_alloc(); };
+    EXPECT_EQ(run().status, 0x30402001u);
+    scanError.Reset();
+    receiveJpeg(5, 3);
+    decoder.onDecode = [] { throw std::runtime_error("no"); };
+    const SCANSTATUS status = run();
+    EXPECT_EQ(status.status, 0x10403003u);
+    EXPECT_EQ(status.errPageNo, 1u);
+  }
+  EXPECT_EQ(decoder.endPages, 2);
+  EXPECT_EQ(decoder.closeBands, 2);
 }
 
 TEST_F(JpegStage, InputIsFedInSpansAsLongAsMoreIsAskedFor) {

@@ -318,6 +318,39 @@ TEST_F(LineStage, OutputLinesHoldTheWholeInputWidthAndThePageIsCroppedOnTheRight
   EXPECT_EQ(decoded(), fakes::makeBmp(3, 2, 8, {6, 7, 8, 1, 2, 3}));
 }
 
+// The store tells one width, the decoded picture another, the scan a third.
+TEST_F(LineStage, ThreeWidthsLiveSideBySide) {
+  settings.device.scanArea.right = 3;
+  receiveBmp(5, 2, 24, fakes::countingPixels(5, 2, 24), 5);
+  page.m_rawData.UpdateWidthPixel(4);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(decoder.seenOpen.dwInLinePixCnt, 5u) << "the picture's";
+  EXPECT_EQ(decoder.seenOpen.dwOutLineByteCnt, 15u) << "the picture's";
+  EXPECT_EQ(decoder.inputs.back().bytes.size(), 15u);
+  EXPECT_EQ(decoded(), fakes::makeBmp(3, 2, 24, {16, 17, 18, 19, 20, 21, 22, 23, 24, 1, 2, 3, 4, 5, 6, 7, 8, 9}));
+
+  settings.device.colorType = COLORTYPE_TRUEGRAY;
+  page.m_pCurrentStore = &page.m_rawData;
+  receiveBmp(5, 2, 8, fakes::countingPixels(5, 2, 8), 1);
+  page.m_rawData.UpdateWidthPixel(4);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(decoder.seenOpen.dwInLinePixCnt, 4u) << "the store's, for a grey picture comes under the kind of mono";
+  EXPECT_EQ(decoder.seenOpen.dwOutLineByteCnt, 4u);
+  EXPECT_EQ(decoder.inputs.back().bytes.size(), 5u);
+  EXPECT_EQ(decoded(), fakes::makeBmp(3, 2, 8, {6, 7, 8, 1, 2, 3}));
+
+  settings.device.colorType = COLORTYPE_COLOR24BIT;
+  settings.device.scanArea.right = 9;
+  page.m_pCurrentStore = &page.m_rawData;
+  receiveBmp(5, 2, 24, fakes::countingPixels(5, 2, 24), 5);
+  page.m_rawData.UpdateWidthPixel(6);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(page.m_decodedData.GetWidthPixel(), 6) << "the store's; what the picture does not have is white";
+  EXPECT_EQ(decoded(),
+            fakes::makeBmp(6, 2, 24, {16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 255, 255, 255,
+                                      1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15, 255, 255, 255}));
+}
+
 TEST_F(LineStage, SizesThatAreNotKnownComeFromTheDeviceThenFromTheBmp) {
   settings.device.scanArea.right = 4;
   settings.device.scanArea.bottom = 3;

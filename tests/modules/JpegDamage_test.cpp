@@ -83,6 +83,87 @@ const CutCase kCuts[] = {
 INSTANTIATE_TEST_SUITE_P(JpegDamage, CutPicture, testing::ValuesIn(kCuts),
                          [](const auto& row) { return std::string(row.param.name); });
 
+// Where a small picture is cut is where a marker, a length or a table is cut as well.
+TEST(EveryCutOfASmallPicture, GivesItsLinesAndMidGrayBelowOrAFailure) {
+  const Encoding kWays[] = {{}, {.fullColor = true}, {.restartRows = 1}, {.progressive = true}};
+  const auto decoder = jpegModule();
+  for (const int parts : {1, 3}) {
+    for (const Encoding& how : kWays) {
+      const int blockRows = parts == 3 && !how.fullColor ? 16 : 8;
+      const Bytes jpeg = encodeJpeg(drawPicture(19, 50, parts), how);
+      std::size_t firstPage = 0;  // the shortest cut that gives one
+      Bytes before;               // the page of the cut before
+      for (std::size_t size = 0; size <= jpeg.size(); ++size) {
+        SCOPED_TRACE(std::to_string(parts) + " parts, cut at " + std::to_string(size));
+        const Bytes cut = head(jpeg, size);
+        const Decoded page = decodePage(*decoder, cut);
+        const Decoded band = decodeBand(*decoder, cut, 7);
+        ASSERT_EQ(page.status != 0, band.status != 0);
+        if (page.status != 0) {
+          ASSERT_TRUE(isFailure(page.status));
+          ASSERT_TRUE(isFailure(band.status));
+          ASSERT_TRUE(band.bytes.empty());
+          ASSERT_EQ(firstPage, 0u) << "a shorter cut gave a page";
+          continue;
+        }
+        // libjpeg's own source gives up where a table between two scans is cut: that one counts as not there.
+        Pixels expected;
+        if (!decodeWithLibjpeg(cut, expected)) {
+          ASSERT_TRUE(how.progressive && firstPage != 0);
+          expected.bytes = before;
+        }
+        ASSERT_EQ(page.bytes, expected.bytes);
+        ASSERT_EQ(band.bytes, expected.bytes);
+        before = page.bytes;
+        if (firstPage != 0) continue;
+        firstPage = size;
+        // The first row of blocks has just come: the lines of the last one are mid-grey.
+        const auto lineBytes = static_cast<std::ptrdiff_t>(page.bytes.size() / 50);
+        if (!how.progressive) {
+          EXPECT_EQ(Bytes(page.bytes.end() - 2 * lineBytes, page.bytes.end()),
+                    Bytes(static_cast<std::size_t>(2 * lineBytes), 128));
+        }
+        EXPECT_NE(Bytes(page.bytes.begin(), page.bytes.begin() + blockRows / 2 * lineBytes),
+                  Bytes(static_cast<std::size_t>(blockRows / 2 * lineBytes), 128));
+      }
+      EXPECT_GT(firstPage, 100u);
+      EXPECT_LT(firstPage, jpeg.size() - 50);
+    }
+  }
+}
+
+TEST(EveryDamagedByteOfASmallPicture, GivesAPageOfItsHeadersSizeOrAFailure) {
+  const Encoding kWays[] = {{}, {.restartRows = 1}, {.progressive = true}};
+  const auto decoder = jpegModule();
+  int pages = 0;
+  for (const Encoding& how : kWays) {
+    const Bytes jpeg = encodeJpeg(drawPicture(19, 33, 3), how);
+    for (std::size_t at = 0; at < jpeg.size(); ++at) {
+      for (const int value : {0x00, 0xFF, jpeg[at] ^ 0x01, jpeg[at] ^ 0x80}) {
+        SCOPED_TRACE("byte " + std::to_string(at) + " is " + std::to_string(value));
+        Bytes damaged = jpeg;
+        damaged[at] = static_cast<std::uint8_t>(value);
+        const Decoded band = decodeBand(*decoder, damaged, 11);
+        // A size beyond reason costs time and says nothing new.
+        if (static_cast<double>(band.widthPx) * band.heightPx > 4e6) continue;
+        const Decoded page = decodePage(*decoder, damaged);
+        ASSERT_TRUE(page.status == 0 || isFailure(page.status)) << page.status;
+        ASSERT_TRUE(band.status == 0 || isFailure(band.status)) << band.status;
+        if (page.status != 0) continue;
+        ++pages;
+        const auto sizeOf = [](const Decoded& d) {
+          return static_cast<std::size_t>(d.widthPx) * static_cast<std::size_t>(d.heightPx * d.bitsPerPixel / 8);
+        };
+        ASSERT_EQ(page.bytes.size(), sizeOf(page));
+        if (band.status == 0) {
+          ASSERT_EQ(page.bytes, band.bytes);
+        }
+      }
+    }
+  }
+  EXPECT_GT(pages, 100);
+}
+
 TEST_F(JpegDamage, TheLinesThatNeverCameAreMidGray) {
   const Bytes jpeg = encodeJpeg(drawPicture(120, 100, 3));
   const Decoded page = decodePage(*decoder_, head(jpeg, jpeg.size() / 2));

@@ -397,6 +397,13 @@ TEST(ParseCmdRes_v2, EachOperationLogsEntryAndExit) {
   EXPECT_EQ(log.lines, wanted) << log.all();
 }
 
+TEST(ParseCmdRes_v2, AConversionOfNothingIsAZeroRecord) {
+  const CParseCmdRes_v2 parser;
+  EXPECT_TRUE(isZero(parser.GetParseDeviceInfoResponse(nullptr)));
+  EXPECT_EQ(parser.GetParseActualParameterResponse(nullptr).paperSource, 0);
+  EXPECT_EQ(parser.GetParseColorProfileResponse(nullptr).colorProfile, nullptr);
+}
+
 // ---- what has no parser in this generation
 
 TEST(ParseCmdRes_v2, PalettesAndDetectedPapersAreZero) {

@@ -134,6 +134,42 @@ TEST_F(ParseScanCmd, PanelSettingsNeedAResponseWithData) {
   expectTraced("ParseDeviceKeyInfoData");
 }
 
+TEST_F(ParseScanCmd, PanelSettingsAreParsedByTheGenerationOfTheCapability) {
+  BodyBytes gkp = TagBody().tag(0x1001, {3, 0}).end().bytes;
+  _SCANCMD_RESPONSE_INFO one = response(gkp);
+  const tagQS_PUSHSCAN_PARAMETERS push = parser.ParseDeviceKeyInfoData(&one, of(2));
+  EXPECT_TRUE(push.event.valid);
+  EXPECT_EQ(push.event.value, 2);
+  expectTraced("ParseDeviceKeyInfoData");
+  for (const int generation : {0, 3, 7}) {
+    EXPECT_FALSE(parser.ParseDeviceKeyInfoData(&one, of(generation)).event.valid) << generation;
+  }
+}
+
+TEST_F(ParseScanCmd, ABusinessCardIsVerticalAtJustOneVersion) {
+  const std::string told = "Protocol Version = 0x102, Business Card is vertical direction";
+  const struct {
+    int version;
+    int wirePaper;
+    int paper;
+  } rows[] = {{0x0102, 0x41, 19}, {0x0101, 0x41, 18}, {0x0103, 0x41, 18}, {0x0201, 0x41, 18},
+              {0x0000, 0x41, 18}, {0x0102, 0x24, 2},  {0x0102, 0x73, 0},  {0x0102, 0xFF, 0}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(std::to_string(row.version) + " " + std::to_string(row.wirePaper));
+    BodyBytes settings(10);
+    settings[5] = static_cast<unsigned char>(row.wirePaper);
+    BodyBytes gkp = TagBody().tag(0x1002, settings).end().bytes;
+    _SCANCMD_RESPONSE_INFO one = response(gkp);
+    Capability capability = of(2);
+    capability.commandVersion = static_cast<std::uint16_t>(row.version);
+    log.lines.clear();
+    const tagQS_PUSHSCAN_PARAMETERS push = parser.ParseDeviceKeyInfoData(&one, capability);
+    EXPECT_EQ(push.paperType.value, row.paper);
+    EXPECT_EQ(push.paperType.valid, row.wirePaper != 0xFF);
+    EXPECT_EQ(log.has(1, told), row.paper == 19) << log.all();
+  }
+}
+
 TEST_F(ParseScanCmd, OnlyKnownGenerationsHaveAParser) {
   EXPECT_NE(parser.GetParseCmdRes(SCANCMD_GENERATION_2ND), nullptr);
   for (const int generation : {0, 3, 7, -1}) {

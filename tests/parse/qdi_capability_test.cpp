@@ -1,10 +1,9 @@
 // The conversion where one value depends on another; every field by itself stands in qdi_capability_rows_test.
-#include "parse/qdi_capability.h"
-
 #include <gtest/gtest.h>
 
 #include <random>
 
+#include "parse/ParseCmdRes_v2.h"
 #include "tests/parse/expected_capability.h"
 
 using namespace orvalle_scan_api;
@@ -135,7 +134,7 @@ TEST(qdi_capability, AnyValuesGiveAWellFormedRecord) {
     _QDICMDRESPONSE response;
     auto* bytes = reinterpret_cast<unsigned char*>(&response);
     for (std::size_t i = 0; i < sizeof response; ++i) bytes[i] = static_cast<unsigned char>(random());
-    const Capability c = capabilityOf(response);
+    const Capability c = CParseCmdRes_v2().GetParseDeviceInfoResponse(&response);
     EXPECT_EQ(c.generation, SCANCMD_GENERATION_UNKNOWN);
     const auto& a = c.advancedFunc;
     for (const CAP cap : {c.func.qciCommandSupport, c.baseFunc.cancelSystem.cap, c.baseFunc.colorTape.cap,

@@ -2,25 +2,13 @@
 // after an abort, and the next scan runs. Each stream is told by its seed.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstdlib>
-#include <ctime>
 #include <random>
 
+#include "tests/fakes/moved_clock.h"
 #include "tests/modules/jpeg_pictures.h"
+#include "tests/reception/dialect.h"
 #include "tests/reception/scan_harness.h"
-#include "tests/reception/scan_pictures.h"
-
-// A stream that swallows the answer to the abort is given up after ten seconds of processor time; here they pass at
-// once, when the test says so.
-extern "C" {
-std::clock_t __real_clock();
-std::clock_t __wrap_clock();
-}
-namespace {
-std::atomic<std::clock_t> clockAdvance{0};
-}
-std::clock_t __wrap_clock() { return __real_clock() + clockAdvance; }
 
 namespace reception_test {
 namespace {
@@ -31,12 +19,12 @@ using namespace std::chrono_literals;
 // QS_SEEDS in the environment asks for more.
 unsigned seedCount() {
   const char* wanted = std::getenv("QS_SEEDS");
-  return wanted != nullptr ? static_cast<unsigned>(std::atoi(wanted)) : 400;
+  return wanted != nullptr ? static_cast<unsigned>(std::atoi(wanted)) : 2000;
 }
 
 class StreamMaker {
  public:
-  explicit StreamMaker(unsigned seed) : engine_(seed) {}
+  StreamMaker(const Dialect& dialect, unsigned seed) : dialect_(dialect), engine_(seed) {}
 
   unsigned below(unsigned n) { return static_cast<unsigned>(engine_()) % n; }
   bool oneIn(unsigned n) { return below(n) == 0; }
@@ -44,8 +32,10 @@ class StreamMaker {
   std::vector<MemoryDevice::Part> parts() {
     ByteString stream;
     const unsigned records = 1 + below(40);
-    for (unsigned i = 0; i < records; ++i) stream = stream + record();
-    if (oneIn(2)) stream = stream + allPagesEnd();
+    for (unsigned i = 0; i < records; ++i) {
+      stream = stream + (dialect_.isFirst() ? recordOfTheFirst() : recordOfTheSecond());
+    }
+    if (oneIn(2)) stream = stream + dialect_.allPagesEnd();
     if (oneIn(3)) damage(stream);
     return cut(stream);
   }
@@ -75,7 +65,30 @@ class StreamMaker {
     return ByteString(whole.begin(), whole.end() - (oneIn(2) ? 0 : below(static_cast<unsigned>(whole.size()))));
   }
 
-  ByteString record() {
+  ByteString recordOfTheFirst() {
+    const auto header = static_cast<std::uint8_t>(0x40 + below(0x40));
+    const int stray = oneIn(20) ? -static_cast<int>(below(3)) : static_cast<int>(page());
+    switch (below(12)) {
+      case 0:
+        return oneIn(2) ? v1::pageEnd(stray) : v1::pageEnd(stray, size());
+      case 1:
+        return v1::pageEnd(static_cast<int>(page_));
+      case 2:
+        return v1::line(v1::kJpeg, stray, oneIn(2) ? jpeg() : bytes(below(60)));
+      case 3:
+        return oneIn(6) ? v1::whiteLine(stray, static_cast<std::uint8_t>(below(0x40))) : v1::line(header, stray, {});
+      case 4:
+        return oneIn(6) ? v1::status(static_cast<std::uint8_t>(0x80 + below(0x80)), stray) : v1::pageEnd(stray);
+      case 5:
+        return oneIn(8) ? v1::canceled() : oneIn(6) ? v1::allPagesEnd() : v1::line(header, stray, bytes(9), size());
+      case 6:
+        return oneIn(8) ? ByteString{header} + u16(below(10)) + bytes(12) : v1::line(v1::kColor, stray, bytes(24));
+      default:
+        return v1::line(header, stray, bytes(below(30)));
+    }
+  }
+
+  ByteString recordOfTheSecond() {
     static constexpr std::uint8_t kFormats[] = {0x00, 0x04, 0x05, 0x08, 0x0C, 0x0D, 0x14, 0x15, 0x91, 0x1D};
     const std::uint8_t format = kFormats[below(std::size(kFormats))];
     switch (below(16)) {
@@ -133,17 +146,19 @@ class StreamMaker {
     return parts;
   }
 
+  const Dialect& dialect_;
   std::mt19937 engine_;
   unsigned page_ = 1;
 };
 
-class RandomStreams : public testing::TestWithParam<int> {};
+class RandomStreams : public testing::TestWithParam<std::tuple<Dialect, int>> {};
 
 // Eight groups, so that a runner can spread them.
 TEST_P(RandomStreams, EndInBoundedTime) {
-  ScanHarness harness;
-  for (unsigned seed = static_cast<unsigned>(GetParam()); seed < seedCount(); seed += 8) {
-    StreamMaker maker(seed);
+  const auto& [dialect, group] = GetParam();
+  ScanHarness harness(dialect.generation());
+  for (unsigned seed = static_cast<unsigned>(group); seed < seedCount(); seed += 8) {
+    StreamMaker maker(dialect, seed);
     auto settings = settingsFor(8, 6, maker.oneIn(2) ? 24 : maker.oneIn(2) ? 8 : 1);
     if (maker.oneIn(4)) settings.colorType = COLORTYPE_AUTO;
     if (maker.oneIn(4)) settings.duplexType = DUPLEXTYPE_SHORT_EDGE;
@@ -169,7 +184,7 @@ TEST_P(RandomStreams, EndInBoundedTime) {
         // Nothing more will come: what is left to the caller is to abort, or to leave.
         if (walksAway) break;
         harness.core.AbortScanning();
-        if (harness.device.wroteAbort()) clockAdvance += 10000001;
+        if (harness.device.wroteAbort()) fakes::clockAdvance += fakes::kAbortLimitPassed;
       }
       std::this_thread::sleep_for(100us);
     }
@@ -177,12 +192,16 @@ TEST_P(RandomStreams, EndInBoundedTime) {
     if (HasFailure()) return;
   }
   const Picture picture = drawPicture(8, 6, 24);
-  const Outcome after = harness.scan(settingsFor(8, 6, 24), rawLines(picture) + pageEnd(1) + allPagesEnd());
+  const Outcome after =
+      harness.scan(settingsFor(8, 6, 24), dialect.rawLines(picture) + dialect.pageEnd(1) + dialect.allPagesEnd());
   EXPECT_EQ(after.last, ALLEND);
   EXPECT_EQ(after.pages(), std::vector<ByteString>{expectedBmp(picture)});
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, RandomStreams, testing::Range(0, 8));
+INSTANTIATE_TEST_SUITE_P(Seeds, RandomStreams, testing::Combine(testing::ValuesIn(kGenerations), testing::Range(0, 8)),
+                         [](const auto& info) {
+                           return std::get<0>(info.param).name() + std::to_string(std::get<1>(info.param));
+                         });
 
 }  // namespace
 }  // namespace reception_test

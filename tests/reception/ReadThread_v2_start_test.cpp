@@ -3,10 +3,13 @@
 
 #include <future>
 
-#include "tests/reception/reader_v2_bench.h"
+#include "tests/reception/reader_bench.h"
 
 namespace reception_test {
 namespace {
+
+using Bench = BenchOf<SecondGeneration>;
+using OpenReader = OpenReaderOf<CReadThread_v2>;
 
 using Calls = std::vector<std::string>;
 

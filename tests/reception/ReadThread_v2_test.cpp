@@ -4,10 +4,13 @@
 
 #include <map>
 
-#include "tests/reception/reader_v2_bench.h"
+#include "tests/reception/reader_bench.h"
 
 namespace reception_test {
 namespace {
+
+using Bench = BenchOf<SecondGeneration>;
+using OpenReader = OpenReaderOf<CReadThread_v2>;
 
 // --- What the device's error bytes mean ----------------------------------------------------------------------------
 

@@ -7,9 +7,11 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 #include <system_error>
 
 #include "reception/WriteReadMutex.h"
+#include "tests/fakes/failing_new.h"
 
 namespace orvalle_scan_api {
 namespace {
@@ -135,6 +137,49 @@ TEST(ThreadDeathTest, ReportsACreationThatFailed) {
 #endif
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(startWithoutMemory(), testing::ExitedWithCode(3), "thread constructor failed.*started 0");
+}
+
+// The caller joins first; forgetting it is not survived.
+TEST(ThreadDeathTest, StartingOneThatIsNotJoinedEndsTheProcess) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_DEATH(
+      {
+        Worker worker(true);
+        worker.Start();
+        worker.Start();
+      },
+      "terminate called");
+}
+
+TEST(Thread, AThreadThatHasNoMemoryIsOneThatCouldNotBeMade) {
+  Worker worker;
+  fakes::FailingNew failing(fakes::Threads::This, 1);
+  try {
+    worker.Start();
+    ADD_FAILURE() << "it has started";
+  } catch (const std::system_error& failure) {
+    failing.stop();
+    EXPECT_EQ(std::string(failure.what()).rfind("thread constructor failed", 0), 0u) << failure.what();
+    EXPECT_EQ(failure.code(), std::errc::not_enough_memory);
+  }
+  EXPECT_FALSE(worker.IsStarted());
+  EXPECT_TRUE(worker.Start());
+}
+
+TEST(Thread, ADestroyedObjectHasJoinedItsThread) {
+  std::atomic<bool> isOver{false};
+  {
+    struct Slow : CThread_Base {
+      explicit Slow(std::atomic<bool>& over) : over_(over) { Start(); }
+      ~Slow() { End(); }
+      void ThreadProc() override {
+        while (!m_end) std::this_thread::yield();
+        over_ = true;
+      }
+      std::atomic<bool>& over_;
+    } slow(isOver);
+  }
+  EXPECT_TRUE(isOver);
 }
 
 TEST(Thread, TheTwoHalvesOfTheMutexPairAreIndependent) {

@@ -1,41 +1,42 @@
-// One picture down every road of the second generation, whole and in pieces.
+// One picture down every road of both generations.
 #include <gtest/gtest.h>
 
-#include "tests/modules/jpeg_pictures.h"
+#include "tests/reception/dialect.h"
+#include "tests/reception/jpeg_pages.h"
 #include "tests/reception/scan_harness.h"
-#include "tests/reception/scan_pictures.h"
 
 namespace reception_test {
 namespace {
 
-void expectEnded(const Outcome& outcome, std::size_t pages, const char* road) {
-  EXPECT_EQ(outcome.started, 0u) << road;
-  EXPECT_FALSE(outcome.isLate) << road;
-  EXPECT_EQ(outcome.last, ALLEND) << road;
-  EXPECT_EQ(outcome.result, 0u) << road;
-  ASSERT_EQ(outcome.deliveries.size(), pages) << road;
-  for (std::size_t i = 0; i < pages; ++i) EXPECT_EQ(outcome.deliveries[i].pageNo, static_cast<int>(i) + 1) << road;
-}
-
-struct Depth {
-  const char* name;
+struct Road {
+  Dialect dialect;
   int bits;
 };
 
-class EveryDepth : public testing::TestWithParam<Depth> {};
+std::string nameOfRoad(const testing::TestParamInfo<Road>& info) {
+  const int bits = info.param.bits;
+  return info.param.dialect.name() + (bits == 24 ? "Color" : bits == 8 ? "Gray" : "Mono");
+}
+
+class EveryDepth : public testing::TestWithParam<Road> {
+ protected:
+  const Dialect& dialect() const { return GetParam().dialect; }
+  int bits() const { return GetParam().bits; }
+
+  ScanHarness harness{GetParam().dialect.generation()};
+};
 
 TEST_P(EveryDepth, ARawPictureComesOutAsItsBottomUpFile) {
-  const Picture picture = drawPicture(13, 7, GetParam().bits);
-  ScanHarness harness;
-  const Outcome outcome =
-      harness.scan(settingsFor(13, 7, picture.bits), rawLines(picture) + pageEnd(1) + allPagesEnd());
+  const Picture picture = drawPicture(13, 7, bits());
+  const Outcome outcome = harness.scan(settingsFor(13, 7, bits()),
+                                       dialect().rawLines(picture) + dialect().pageEnd(1) + dialect().allPagesEnd());
   expectEnded(outcome, 1, "raw");
   const Delivery& page = outcome.deliveries[0];
   EXPECT_EQ(page.bytes, expectedBmp(picture));
-  EXPECT_EQ(page.record.bitPerPixel, picture.bits);
+  EXPECT_EQ(page.record.bitPerPixel, bits());
   EXPECT_EQ(page.record.widthPixel, 13);
   EXPECT_EQ(page.record.heightPixel, 7);
-  EXPECT_EQ(page.record.widthBytes, (13 * picture.bits + 7) / 8);
+  EXPECT_EQ(page.record.widthBytes, (13 * bits() + 7) / 8);
   EXPECT_EQ(page.record.resolutionX, 300);
   EXPECT_EQ(page.record.resolutionY, 300);
   EXPECT_EQ(page.record.pixelDataSize, static_cast<std::uint32_t>(page.record.widthBytes * 7));
@@ -46,69 +47,77 @@ TEST_P(EveryDepth, ARawPictureComesOutAsItsBottomUpFile) {
 }
 
 TEST_P(EveryDepth, PackBitsLinesGiveTheBytesOfTheRawLines) {
-  const Picture picture = drawPicture(29, 11, GetParam().bits);
-  ScanHarness harness;
-  const auto settings = settingsFor(29, 11, picture.bits);
-  const Outcome raw = harness.scan(settings, rawLines(picture) + pageEnd(1) + allPagesEnd());
-  const Outcome packed = harness.scan(settings, packedLines(picture) + pageEnd(1) + allPagesEnd());
+  const Picture picture = drawPicture(29, 11, bits());
+  const auto settings = settingsFor(29, 11, bits());
+  const ByteString end = dialect().pageEnd(1) + dialect().allPagesEnd();
+  const Outcome raw = harness.scan(settings, dialect().rawLines(picture) + end);
+  const Outcome packed = harness.scan(settings, dialect().packedLines(picture) + end);
   expectEnded(raw, 1, "raw");
   expectEnded(packed, 1, "packed");
   EXPECT_EQ(raw.deliveries[0].bytes, expectedBmp(picture));
   EXPECT_EQ(packed.deliveries[0].bytes, expectedBmp(picture));
 }
 
+// A white line is a record of its own in the second generation; in the first a line may come without any bytes.
 TEST_P(EveryDepth, AWhiteLineIsALineOfWhitePixels) {
-  Picture picture = drawPicture(16, 5, GetParam().bits);
-  ScanHarness harness;
+  Picture picture = drawPicture(16, 5, bits());
   for (const bool packed : {false, true}) {
     ByteString stream;
     for (unsigned y = 0; y < 5; ++y) {
       const bool isWhite = y == 1 || y == 4;
       if (isWhite) picture.lines[y].assign(picture.lines[y].size(), 0xFF);
       const ByteString& bytes = picture.lines[y];
-      stream = stream + (isWhite  ? whiteLine(1)
-                         : packed ? line(1, picture.format() | kPackBits, packBits(bytes))
-                                  : line(1, picture.format(), bytes));
+      stream = stream + (isWhite  ? dialect().isFirst() ? dialect().rawLine(bits(), 1, {}) : whiteLine(1)
+                          : packed ? dialect().packedLine(bits(), 1, bytes)
+                                  : dialect().rawLine(bits(), 1, bytes));
     }
-    const Outcome outcome = harness.scan(settingsFor(16, 5, picture.bits), stream + pageEnd(1) + allPagesEnd());
+    const Outcome outcome =
+        harness.scan(settingsFor(16, 5, bits()), stream + dialect().pageEnd(1) + dialect().allPagesEnd());
     expectEnded(outcome, 1, packed ? "packed" : "raw");
     EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(picture)) << packed;
   }
 }
 
 TEST_P(EveryDepth, ThePagesOfABatchComeInTheirOrder) {
-  ScanHarness harness;
   ByteString stream;
   std::vector<ByteString> expected;
   for (unsigned page = 1; page <= 8; ++page) {
-    const Picture picture = drawPicture(20, 6, GetParam().bits, page);
+    const Picture picture = drawPicture(20, 6, bits(), page);
     expected.push_back(expectedBmp(picture));
-    stream = stream + (page % 2 == 0 ? packedLines(picture, page) : rawLines(picture, page)) + pageEnd(page);
+    stream = stream + (page % 2 == 0 ? dialect().packedLines(picture, page) : dialect().rawLines(picture, page)) +
+             dialect().pageEnd(page);
   }
-  const Outcome outcome = harness.scan(settingsFor(20, 6, GetParam().bits), stream + allPagesEnd());
+  const Outcome outcome = harness.scan(settingsFor(20, 6, bits()), stream + dialect().allPagesEnd());
   expectEnded(outcome, 8, "batch");
   EXPECT_EQ(outcome.pages(), expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(WholePages, EveryDepth,
-                         testing::Values(Depth{"Mono", 1}, Depth{"Gray", 8}, Depth{"Color", 24}),
-                         [](const auto& row) { return std::string(row.param.name); });
+                         testing::Values(Road{kFirstGeneration, 1}, Road{kFirstGeneration, 8},
+                                         Road{kFirstGeneration, 24}, Road{kSecondGeneration, 1},
+                                         Road{kSecondGeneration, 8}, Road{kSecondGeneration, 24}),
+                         nameOfRoad);
+
+using WholePages = BothGenerations;
+INSTANTIATE_TEST_SUITE_P(Generations, WholePages, testing::ValuesIn(kGenerations), nameOfGeneration);
 
 // The two sides of a sheet may be sent turn by turn.
-TEST(WholePages, PagesWhoseLinesComeInTurnAreKeptApart) {
+TEST_P(WholePages, PagesWhoseLinesComeInTurnAreKeptApart) {
+  const Dialect& dialect = GetParam();
   const Picture front = drawPicture(10, 6, 24, 1);
   const Picture back = drawPicture(10, 6, 24, 2);
   ByteString stream;
   for (unsigned y = 0; y < 6; ++y) {
-    stream = stream + line(1, kColor, front.lines[y]) + line(2, kColor | kPackBits, packBits(back.lines[y]));
+    stream = stream + dialect.rawLine(24, 1, front.lines[y]) + dialect.packedLine(24, 2, back.lines[y]);
   }
-  ScanHarness harness;
-  const Outcome outcome = harness.scan(settingsFor(10, 6, 24), stream + pageEnd(1) + pageEnd(2) + allPagesEnd());
+  ScanHarness harness(dialect.generation());
+  const Outcome outcome =
+      harness.scan(settingsFor(10, 6, 24), stream + dialect.pageEnd(1) + dialect.pageEnd(2) + dialect.allPagesEnd());
   expectEnded(outcome, 2, "turns");
   EXPECT_EQ(outcome.pages(), (std::vector<ByteString>{expectedBmp(front), expectedBmp(back)}));
 }
 
-TEST(WholePages, SizeRecordsAndCheckRecordsLeaveThePageAsItIs) {
+TEST(WholePagesOfTheSecond, SizeRecordsAndCheckRecordsLeaveThePageAsItIs) {
   const Picture picture = drawPicture(12, 4, 24);
   const ByteString lines = rawLines(picture);
   ScanHarness harness;
@@ -119,42 +128,160 @@ TEST(WholePages, SizeRecordsAndCheckRecordsLeaveThePageAsItIs) {
   EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(picture));
 }
 
-// --- JPEG ---------------------------------------------------------------------------------------------------------
+// --- What only the first generation sends ----------------------------------------------------------------------------
 
-ByteString toRgbBmp(const module_test::Pixels& pixels) {
-  Picture picture{pixels.widthPx, pixels.heightPx, pixels.parts * 8, {}};
-  for (int y = 0; y < pixels.heightPx; ++y) {
-    const auto start = pixels.bytes.begin() + static_cast<std::ptrdiff_t>(pixels.lineBytes()) * y;
-    picture.lines.emplace_back(start, start + static_cast<std::ptrdiff_t>(pixels.lineBytes()));
+ByteString planes(const Picture& picture, bool packed) {
+  ByteString records;
+  for (const ByteString& bytes : picture.lines) {
+    for (std::size_t part = 0; part < 3; ++part) {
+      const std::uint8_t headers[] = {v1::kRed, v1::kGreen, v1::kBlue};
+      ByteString plane;
+      for (std::size_t x = part; x < bytes.size(); x += 3) plane.push_back(bytes[x]);
+      records = records + (packed ? v1::line(headers[part] | v1::kPackBits, 1, packBits(plane))
+                                  : v1::line(headers[part], 1, plane));
+    }
   }
-  return expectedBmp(picture);
+  return records;
 }
 
-TEST(WholePages, AJpegPageIsTheDecodedJpeg) {
-  ScanHarness harness;
+ByteString blueFirst(const Picture& picture, bool packed) {
+  ByteString records;
+  for (ByteString bytes : picture.lines) {
+    for (std::size_t x = 0; x + 2 < bytes.size(); x += 3) std::swap(bytes[x], bytes[x + 2]);
+    records = records + (packed ? v1::line(v1::kColorBgr | v1::kPackBits, 1, packBits(bytes))
+                                : v1::line(v1::kColorBgr, 1, bytes));
+  }
+  return records;
+}
+
+TEST(WholePagesOfTheFirst, OnePictureIsTheSameDownEveryRoad) {
+  const Picture picture = drawPicture(13, 9, 24);
+  const struct {
+    const char* name;
+    ByteString lines;
+  } roads[] = {{"raw", kFirstGeneration.rawLines(picture)}, {"packed", kFirstGeneration.packedLines(picture)},
+               {"planes", planes(picture, false)},          {"packed planes", planes(picture, true)},
+               {"blue first", blueFirst(picture, false)},   {"packed blue first", blueFirst(picture, true)}};
+  ScanHarness harness(SCANCMD_GENERATION_1ST);
+  for (const auto& road : roads) {
+    const Outcome outcome = harness.scan(settingsFor(13, 9, 24), road.lines + v1::pageEnd(1) + v1::allPagesEnd());
+    expectEnded(outcome, 1, road.name);
+    EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(picture)) << road.name;
+  }
+}
+
+TEST(WholePagesOfTheFirst, ThePagesEndMayTellTheHeight) {
+  const Picture picture = drawPicture(13, 9, 24);
+  Picture cut = picture;
+  cut.heightPx = 5;
+  cut.lines.resize(5);
+  ScanHarness harness(SCANCMD_GENERATION_1ST);
+  for (const std::uint32_t height : {9u, 5u, 200u}) {
+    for (const bool packed : {false, true}) {
+      const ByteString lines = packed ? kFirstGeneration.packedLines(picture) : kFirstGeneration.rawLines(picture);
+      const Outcome outcome = harness.scan(settingsFor(13, 9, 24), lines + v1::pageEnd(1, height) + v1::allPagesEnd());
+      expectEnded(outcome, 1, std::to_string(height));
+      EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(height == 5 ? cut : picture)) << height;
+    }
+  }
+}
+
+// Each plane is a record, and a height that is told bounds the records.
+TEST(WholePagesOfTheFirst, AHeightThatIsToldCutsPlanesToAThird) {
+  const Picture picture = drawPicture(13, 9, 24);
+  Picture third = picture;
+  third.heightPx = 3;
+  third.lines.resize(3);
+  ScanHarness harness(SCANCMD_GENERATION_1ST);
+  const Outcome outcome =
+      harness.scan(settingsFor(13, 9, 24), planes(picture, false) + v1::pageEnd(1, 9) + v1::allPagesEnd());
+  expectEnded(outcome, 1, "planes");
+  EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(third));
+}
+
+// The device was asked for a width that is a multiple of sixteen and sends it.
+TEST(WholePagesOfTheFirst, LinesOfTheRoundedWidthAreCutToTheOneAskedFor) {
+  for (const int bits : {1, 8, 24}) {
+    const Picture sent = drawPicture(32, 6, bits);
+    Picture kept = sent;
+    kept.widthPx = 21;
+    for (ByteString& bytes : kept.lines) {
+      bytes.resize(static_cast<std::size_t>((21 * bits + 7) / 8));
+    }
+    ScanHarness harness(SCANCMD_GENERATION_1ST);
+    for (const bool packed : {false, true}) {
+      const ByteString lines = packed ? kFirstGeneration.packedLines(sent) : kFirstGeneration.rawLines(sent);
+      const Outcome outcome = harness.scan(settingsFor(21, 6, bits), lines + v1::pageEnd(1) + v1::allPagesEnd());
+      expectEnded(outcome, 1, std::to_string(bits));
+      const Delivery& page = outcome.deliveries[0];
+      EXPECT_EQ(page.record.widthPixel, 21);
+      ByteString bytes = page.bytes;
+      if (bits == 1) {  // bits behind the last pixel mean nothing
+        const std::size_t lineBytes = 3;
+        for (std::size_t at = bytes.size() - 6 * lineBytes; at < bytes.size(); at += lineBytes) bytes[at + 2] &= 0xF8;
+        for (ByteString& line : kept.lines) line[2] &= 0xF8;
+      }
+      EXPECT_EQ(bytes, expectedBmp(kept)) << bits << " packed " << packed;
+    }
+  }
+}
+
+TEST(WholePagesOfTheFirst, AJpegOfTheRoundedWidthIsCutToTheOneAskedFor) {
   for (const int parts : {3, 1}) {
-    const auto jpeg = module_test::encodeJpeg(module_test::drawPicture(40, 24, parts));
+    const auto jpeg = module_test::encodeJpeg(module_test::drawPicture(32, 16, parts));
     module_test::Pixels decoded;
     ASSERT_TRUE(module_test::decodeWithLibjpeg(jpeg, decoded));
-    const auto format = static_cast<std::uint8_t>(kJpeg | (parts == 3 ? kColor : kGray));
-    for (const std::size_t blockBytes : {jpeg.size(), std::size_t{100}, std::size_t{7}}) {
+    Picture kept{21, 16, parts * 8, {}};
+    for (std::size_t y = 0; y < 16; ++y) {
+      const auto start = decoded.bytes.begin() + static_cast<std::ptrdiff_t>(y * decoded.lineBytes());
+      kept.lines.emplace_back(start, start + 21 * parts);
+    }
+    ScanHarness harness(SCANCMD_GENERATION_1ST);
+    const Outcome outcome = harness.scan(settingsFor(21, 16, parts * 8),
+                                         v1::line(v1::kJpeg, 1, jpeg) + v1::pageEnd(1, 16) + v1::allPagesEnd());
+    expectEnded(outcome, 1, std::to_string(parts));
+    EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(kept)) << parts;
+  }
+}
+
+TEST(WholePagesOfTheFirst, LinesBeyondTheHeightAskedForAreKept) {
+  const Picture picture = drawPicture(8, 9, 24);
+  ScanHarness harness(SCANCMD_GENERATION_1ST);
+  const Outcome outcome =
+      harness.scan(settingsFor(8, 6, 24), kFirstGeneration.rawLines(picture) + v1::pageEnd(1) + v1::allPagesEnd());
+  expectEnded(outcome, 1, "more lines");
+  EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(picture));
+}
+
+// --- JPEG ------------------------------------------------------------------------------------------------------------
+
+TEST_P(WholePages, AJpegPageIsTheDecodedJpeg) {
+  const Dialect& dialect = GetParam();
+  ScanHarness harness(dialect.generation());
+  for (const int parts : {3, 1}) {
+    const JpegPage jpeg = makeJpegPage(40, 24, parts);
+    ASSERT_FALSE(jpeg.bmp.empty());
+    const std::size_t size = jpeg.file.size();
+    for (const std::size_t blockBytes : {size, std::size_t{100}, std::size_t{7}}) {
       ByteString stream;
-      for (std::size_t at = 0; at < jpeg.size(); at += blockBytes) {
-        const std::size_t end = std::min(jpeg.size(), at + blockBytes);
-        stream = stream + block(1, format,
-                                ByteString(jpeg.begin() + static_cast<std::ptrdiff_t>(at),
-                                           jpeg.begin() + static_cast<std::ptrdiff_t>(end)),
-                                static_cast<std::uint32_t>(24 * end / jpeg.size()));
+      for (std::size_t at = 0; at < size; at += blockBytes) {
+        const std::size_t end = std::min(size, at + blockBytes);
+        stream = stream + dialect.jpegBlock(parts * 8, 1,
+                                            ByteString(jpeg.file.begin() + static_cast<std::ptrdiff_t>(at),
+                                                       jpeg.file.begin() + static_cast<std::ptrdiff_t>(end)),
+                                            static_cast<std::uint32_t>(24 * end / size));
       }
-      const Outcome outcome = harness.scan(settingsFor(40, 24, parts * 8), stream + pageEnd(1) + allPagesEnd());
+      const Outcome outcome =
+          harness.scan(settingsFor(40, 24, parts * 8), stream + dialect.pageEnd(1) + dialect.allPagesEnd());
       expectEnded(outcome, 1, parts == 3 ? "colour JPEG" : "grey JPEG");
-      EXPECT_EQ(outcome.deliveries[0].bytes, toRgbBmp(decoded)) << parts << " parts, blocks of " << blockBytes;
+      EXPECT_EQ(outcome.deliveries[0].bytes, jpeg.bmp) << parts << " parts, blocks of " << blockBytes;
       EXPECT_EQ(outcome.deliveries[0].record.bitPerPixel, parts * 8);
     }
   }
 }
 
-TEST(WholePages, AColourJpegInAGreyScanBecomesTheMeanOfItsParts) {
+TEST_P(WholePages, AColourJpegInAGreyScanBecomesTheMeanOfItsParts) {
+  const Dialect& dialect = GetParam();
   const auto jpeg = module_test::encodeJpeg(module_test::drawPicture(16, 8, 3));
   module_test::Pixels decoded;
   ASSERT_TRUE(module_test::decodeWithLibjpeg(jpeg, decoded));
@@ -163,28 +290,99 @@ TEST(WholePages, AColourJpegInAGreyScanBecomesTheMeanOfItsParts) {
     gray.bytes.push_back(
         static_cast<std::uint8_t>((decoded.bytes[i] + decoded.bytes[i + 1] + decoded.bytes[i + 2]) / 3));
   }
-  ScanHarness harness;
-  const Outcome outcome =
-      harness.scan(settingsFor(16, 8, 8), block(1, kJpeg | kColor, jpeg, 8) + pageEnd(1) + allPagesEnd());
+  ScanHarness harness(dialect.generation());
+  const Outcome outcome = harness.scan(settingsFor(16, 8, 8),
+                                       dialect.jpegBlock(24, 1, jpeg, 8) + dialect.pageEnd(1) + dialect.allPagesEnd());
   expectEnded(outcome, 1, "colour JPEG as grey");
   EXPECT_EQ(outcome.deliveries[0].bytes, toRgbBmp(gray));
 }
 
-TEST(WholePages, ABrokenJpegFailsItsPageAndTheScanCanBeRepeated) {
-  auto jpeg = module_test::encodeJpeg(module_test::drawPicture(16, 8, 3));
-  ScanHarness harness;
-  const Outcome broken =
-      harness.scan(settingsFor(16, 8, 24), block(1, kJpeg | kColor, {1, 2, 3, 4}, 8) + pageEnd(1) + allPagesEnd());
+TEST_P(WholePages, ABrokenJpegFailsItsPageAndTheScanCanBeRepeated) {
+  const Dialect& dialect = GetParam();
+  const JpegPage jpeg = makeJpegPage(16, 8, 3);
+  const ByteString end = dialect.pageEnd(1) + dialect.allPagesEnd();
+  ScanHarness harness(dialect.generation());
+  const Outcome broken = harness.scan(settingsFor(16, 8, 24), dialect.jpegBlock(24, 1, {1, 2, 3, 4}, 8) + end);
   EXPECT_FALSE(broken.isLate);
   EXPECT_EQ(broken.result & 0xFFFFF000u, 0x10403000u) << std::hex << broken.result;
-  const Outcome good =
-      harness.scan(settingsFor(16, 8, 24), block(1, kJpeg | kColor, jpeg, 8) + pageEnd(1) + allPagesEnd());
+  const Outcome good = harness.scan(settingsFor(16, 8, 24), dialect.jpegBlock(24, 1, jpeg.file, 8) + end);
   expectEnded(good, 1, "after the broken one");
+  EXPECT_EQ(good.deliveries[0].bytes, jpeg.bmp);
 }
 
-// --- The two sides of a sheet ---------------------------------------------------------------------------------------
+// --- Ends and sides --------------------------------------------------------------------------------------------------
 
-TEST(WholePages, TheBackOfASheetBoundOnTheShortEdgeIsTurned) {
+TEST_P(WholePages, AShortPageStaysShortUnlessItMustBeFilled) {
+  const Dialect& dialect = GetParam();
+  const Picture picture = drawPicture(8, 3, 24);
+  Picture filled = picture;
+  filled.heightPx = 6;
+  filled.lines.resize(6, ByteString(24, 0xFF));
+  for (const bool mayEndEarly : {true, false}) {
+    auto settings = settingsFor(8, 6, 24);
+    settings.detectEndOfPage = mayEndEarly;
+    ScanHarness harness(dialect.generation());
+    const Outcome outcome =
+        harness.scan(settings, dialect.rawLines(picture) + dialect.pageEnd(1) + dialect.allPagesEnd());
+    expectEnded(outcome, 1, "short");
+    EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(mayEndEarly ? picture : filled)) << mayEndEarly;
+  }
+}
+
+TEST_P(WholePages, APageWithoutAnEndOfItsOwnIsFinishedWhenAllPagesEnd) {
+  const Dialect& dialect = GetParam();
+  const Picture picture = drawPicture(8, 4, 24);
+  ScanHarness harness(dialect.generation());
+  const Outcome outcome = harness.scan(settingsFor(8, 4, 24), dialect.rawLines(picture) + dialect.allPagesEnd());
+  expectEnded(outcome, 1, "no page end");
+  EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(picture));
+}
+
+TEST_P(WholePages, APageThatOnlyFillsAGapIsDeliveredBlank) {
+  const Dialect& dialect = GetParam();
+  const Picture picture = drawPicture(8, 4, 1);
+  ScanHarness harness(dialect.generation());
+  const Outcome outcome =
+      harness.scan(settingsFor(8, 4, 1), dialect.rawLines(picture, 2) + dialect.pageEnd(2) + dialect.allPagesEnd());
+  expectEnded(outcome, 2, "page 2 alone");
+  EXPECT_TRUE(outcome.deliveries[0].record.isBlankPage);
+  EXPECT_EQ(outcome.deliveries[1].bytes, expectedBmp(picture));
+}
+
+TEST_P(WholePages, AScanOfNoPagesEndsAtOnce) {
+  ScanHarness harness(GetParam().generation());
+  expectEnded(harness.scan(settingsFor(8, 4, 24), GetParam().allPagesEnd()), 0, "nothing");
+}
+
+TEST_P(WholePages, WhatStillComesBehindTheEndIsFinishedToo) {
+  const Dialect& dialect = GetParam();
+  const Picture picture = drawPicture(8, 4, 24);
+  ScanHarness harness(dialect.generation());
+  const Outcome late = harness.scan(settingsFor(8, 4, 24), dialect.rawLines(picture, 1) + dialect.pageEnd(1) +
+                                                               dialect.allPagesEnd() + dialect.rawLines(picture, 3));
+  expectEnded(late, 3, "a late page");
+  EXPECT_TRUE(late.deliveries[1].record.isBlankPage);
+  const Outcome repeated =
+      harness.scan(settingsFor(8, 4, 24), dialect.rawLines(picture, 1) + dialect.pageEnd(1) + dialect.allPagesEnd() +
+                                              dialect.pageEnd(1) + dialect.allPagesEnd());
+  expectEnded(repeated, 1, "two ends");
+  EXPECT_EQ(repeated.deliveries[0].bytes, expectedBmp(picture));
+}
+
+TEST_P(WholePages, DataAndASecondEndAfterAPagesEndAreDropped) {
+  const Dialect& dialect = GetParam();
+  const Picture picture = drawPicture(8, 4, 24);
+  ScanHarness harness(dialect.generation());
+  const Outcome outcome =
+      harness.scan(settingsFor(8, 9, 24),
+                   dialect.rawLines(picture, 1) + dialect.pageEnd(1) + dialect.rawLines(picture, 1) +
+                       dialect.pageEnd(1) + dialect.rawLines(picture, 2) + dialect.pageEnd(2) + dialect.allPagesEnd());
+  expectEnded(outcome, 2, "late data");
+  EXPECT_EQ(outcome.pages(), (std::vector<ByteString>{expectedBmp(picture), expectedBmp(picture)}));
+}
+
+TEST_P(WholePages, TheBackOfASheetBoundOnTheShortEdgeIsTurned) {
+  const Dialect& dialect = GetParam();
   const Picture picture = drawPicture(9, 5, 24);
   Picture turned = picture;
   std::reverse(turned.lines.begin(), turned.lines.end());
@@ -195,273 +393,17 @@ TEST(WholePages, TheBackOfASheetBoundOnTheShortEdgeIsTurned) {
     }
     bytes = mirrored;
   }
-  ScanHarness harness;
+  ByteString stream;
+  for (unsigned n = 1; n <= 3; ++n) stream = stream + dialect.rawLines(picture, n) + dialect.pageEnd(n);
+  ScanHarness harness(dialect.generation());
   for (const DUPLEXTYPE type : {DUPLEXTYPE_SIMPLEX, DUPLEXTYPE_LONG_EDGE, DUPLEXTYPE_SHORT_EDGE}) {
     auto settings = settingsFor(9, 5, 24);
     settings.duplexType = type;
-    const Outcome outcome = harness.scan(settings, rawLines(picture, 1) + pageEnd(1) + rawLines(picture, 2) +
-                                                       pageEnd(2) + rawLines(picture, 3) + pageEnd(3) + allPagesEnd());
+    const Outcome outcome = harness.scan(settings, stream + dialect.allPagesEnd());
     expectEnded(outcome, 3, "duplex");
     EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(picture)) << type;
     EXPECT_EQ(outcome.deliveries[1].bytes, expectedBmp(type == DUPLEXTYPE_SHORT_EDGE ? turned : picture)) << type;
     EXPECT_EQ(outcome.deliveries[2].bytes, expectedBmp(picture)) << type;
-  }
-}
-
-// --- Cut streams ----------------------------------------------------------------------------------------------------
-
-// Two pages: raw lines with a white one, PackBits, a size record and a blank page behind them.
-ByteString smallBatch() {
-  const Picture first = drawPicture(4, 2, 24, 1);
-  const Picture second = drawPicture(4, 2, 24, 2);
-  return pageSize(1, 4, 0) + rawLines(first, 1) + whiteLine(1) + pageEnd(1) + packedLines(second, 2) + pageEnd(2) +
-         line(3, kColor, first.lines[0]) + blankPageEnd(3) + allPagesEnd();
-}
-
-TEST(CutStreams, ACutAtAnyByteChangesNothing) {
-  const ByteString stream = smallBatch();
-  ScanHarness harness;
-  const auto settings = settingsFor(4, 3, 24);
-  const Outcome whole = harness.scan(settings, stream);
-  expectEnded(whole, 3, "whole");
-  EXPECT_TRUE(whole.deliveries[2].record.isBlankPage);
-  for (std::size_t cut = 1; cut < stream.size(); ++cut) {
-    const auto middle = stream.begin() + static_cast<std::ptrdiff_t>(cut);
-    harness.device.stream({fakes::MemoryDevice::data(ByteString(stream.begin(), middle)),
-                           fakes::MemoryDevice::quiet(cut % 2 == 0 ? 1 : 2),
-                           fakes::MemoryDevice::data(ByteString(middle, stream.end()))});
-    const Outcome outcome = harness.scan(settings);
-    expectEnded(outcome, 3, ("cut at " + std::to_string(cut)).c_str());
-    EXPECT_EQ(outcome.pages(), whole.pages()) << "cut at " << cut;
-    if (HasFailure()) return;
-  }
-}
-
-TEST(CutStreams, ByteByByteChangesNothing) {
-  const ByteString stream = smallBatch();
-  ScanHarness harness;
-  const auto settings = settingsFor(4, 3, 24);
-  const Outcome whole = harness.scan(settings, stream);
-  std::vector<fakes::MemoryDevice::Part> parts;
-  for (const std::uint8_t byte : stream) parts.push_back(fakes::MemoryDevice::data({byte}));
-  harness.device.stream(parts);
-  const Outcome outcome = harness.scan(settings);
-  expectEnded(outcome, 3, "byte by byte");
-  EXPECT_EQ(outcome.pages(), whole.pages());
-}
-
-TEST(CutStreams, AJpegPageInPiecesOfAnySizeIsTheSame) {
-  const auto jpeg = module_test::encodeJpeg(module_test::drawPicture(24, 16, 3));
-  const ByteString stream = block(1, kJpeg | kColor, jpeg, 16) + pageEnd(1) + allPagesEnd();
-  ScanHarness harness;
-  const auto settings = settingsFor(24, 16, 24);
-  const Outcome whole = harness.scan(settings, stream);
-  expectEnded(whole, 1, "whole");
-  for (std::size_t piece = 1; piece < 40; piece += 3) {
-    std::vector<fakes::MemoryDevice::Part> parts;
-    for (std::size_t at = 0; at < stream.size(); at += piece) {
-      parts.push_back(fakes::MemoryDevice::data(
-          ByteString(stream.begin() + static_cast<std::ptrdiff_t>(at),
-                     stream.begin() + static_cast<std::ptrdiff_t>(std::min(stream.size(), at + piece)))));
-    }
-    harness.device.stream(parts);
-    EXPECT_EQ(harness.scan(settings).pages(), whole.pages()) << "pieces of " << piece;
-  }
-}
-
-// --- Ends of pages --------------------------------------------------------------------------------------------------
-
-TEST(PageEnds, ABlankPageIsDeliveredWithoutData) {
-  const Picture picture = drawPicture(8, 4, 24);
-  ScanHarness harness;
-  const Outcome outcome =
-      harness.scan(settingsFor(8, 4, 24), rawLines(picture, 1) + pageEnd(1) + rawLines(picture, 2) + blankPageEnd(2) +
-                                              rawLines(picture, 3) + pageEnd(3) + allPagesEnd());
-  expectEnded(outcome, 3, "blank");
-  EXPECT_FALSE(outcome.deliveries[0].record.isBlankPage);
-  EXPECT_TRUE(outcome.deliveries[1].record.isBlankPage);
-  EXPECT_EQ(outcome.deliveries[1].record.data, nullptr);
-  EXPECT_EQ(outcome.deliveries[1].record.dataSize, 0u);
-  EXPECT_EQ(outcome.deliveries[2].bytes, expectedBmp(picture));
-}
-
-TEST(PageEnds, APageAtTheDevicesLengthLimitSaysSo) {
-  const Picture picture = drawPicture(8, 4, 24);
-  ScanHarness harness;
-  const Outcome outcome = harness.scan(settingsFor(8, 4, 24), rawLines(picture, 1) + tooLongPageEnd(1) + allPagesEnd());
-  expectEnded(outcome, 1, "too long");
-  EXPECT_TRUE(outcome.deliveries[0].record.pageScanIsTerminated);
-  EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(picture));
-}
-
-TEST(PageEnds, LinesBeyondTheHeightAskedForAreDropped) {
-  const Picture picture = drawPicture(8, 9, 24);
-  Picture kept = picture;
-  kept.heightPx = 6;
-  kept.lines.resize(6);
-  ScanHarness harness;
-  const Outcome outcome = harness.scan(settingsFor(8, 6, 24), rawLines(picture, 1) + pageEnd(1) + allPagesEnd());
-  expectEnded(outcome, 1, "more lines");
-  EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(kept));
-}
-
-TEST(PageEnds, AShortPageStaysShortUnlessItMustBeFilled) {
-  const Picture picture = drawPicture(8, 3, 24);
-  Picture filled = picture;
-  filled.heightPx = 6;
-  filled.lines.resize(6, ByteString(24, 0xFF));
-  for (const bool mayEndEarly : {true, false}) {
-    auto settings = settingsFor(8, 6, 24);
-    settings.detectEndOfPage = mayEndEarly;
-    ScanHarness harness;
-    const Outcome outcome = harness.scan(settings, rawLines(picture, 1) + pageEnd(1) + allPagesEnd());
-    expectEnded(outcome, 1, "short");
-    EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(mayEndEarly ? picture : filled)) << mayEndEarly;
-  }
-}
-
-TEST(PageEnds, APageWithoutAnEndOfItsOwnIsFinishedWhenAllPagesEnd) {
-  const Picture picture = drawPicture(8, 4, 24);
-  ScanHarness harness;
-  const Outcome outcome = harness.scan(settingsFor(8, 4, 24), rawLines(picture, 1) + allPagesEnd());
-  expectEnded(outcome, 1, "no page end");
-  EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(picture));
-}
-
-TEST(PageEnds, APageThatOnlyFillsAGapIsDeliveredBlank) {
-  const Picture picture = drawPicture(8, 4, 1);
-  ScanHarness harness;
-  const Outcome outcome = harness.scan(settingsFor(8, 4, 1), rawLines(picture, 2) + pageEnd(2) + allPagesEnd());
-  expectEnded(outcome, 2, "page 2 alone");
-  EXPECT_TRUE(outcome.deliveries[0].record.isBlankPage);
-  EXPECT_EQ(outcome.deliveries[1].bytes, expectedBmp(picture));
-}
-
-// In a colour scan every page behind the first of such a gap is made for JPEG, with the height asked for: a JPEG fills
-// it, lines count as too many from the first one on.
-TEST(PageEnds, InAColourScanThePageBehindAGapTakesAJpegAndNoLines) {
-  const auto jpeg = module_test::encodeJpeg(module_test::drawPicture(16, 8, 3));
-  module_test::Pixels decoded;
-  ASSERT_TRUE(module_test::decodeWithLibjpeg(jpeg, decoded));
-  ScanHarness harness;
-  const Outcome asJpeg =
-      harness.scan(settingsFor(16, 8, 24), block(2, kJpeg | kColor, jpeg, 8) + pageEnd(2) + allPagesEnd());
-  expectEnded(asJpeg, 2, "JPEG");
-  EXPECT_TRUE(asJpeg.deliveries[0].record.isBlankPage);
-  EXPECT_EQ(asJpeg.deliveries[1].bytes, toRgbBmp(decoded));
-  const Outcome asLines =
-      harness.scan(settingsFor(16, 8, 24), rawLines(drawPicture(16, 8, 24), 2) + pageEnd(2) + allPagesEnd());
-  expectEnded(asLines, 2, "lines");
-  EXPECT_TRUE(asLines.deliveries[1].record.isBlankPage);
-}
-
-TEST(PageEnds, APageThatEndsWithoutDataIsDeliveredBlank) {
-  ScanHarness harness;
-  const Outcome outcome = harness.scan(settingsFor(8, 4, 24), pageSize(1, 8, 4) + pageEnd(1) + allPagesEnd());
-  expectEnded(outcome, 1, "no data");
-  EXPECT_TRUE(outcome.deliveries[0].record.isBlankPage);
-}
-
-TEST(PageEnds, AScanOfNoPagesEndsAtOnce) {
-  ScanHarness harness;
-  expectEnded(harness.scan(settingsFor(8, 4, 24), allPagesEnd()), 0, "nothing");
-}
-
-TEST(PageEnds, TheEndOfAPageThatWasNeverSeenIsIgnored) {
-  const Picture picture = drawPicture(8, 4, 24);
-  ScanHarness harness;
-  const Outcome outcome =
-      harness.scan(settingsFor(8, 4, 24), rawLines(picture, 1) + pageEnd(1) + pageEnd(5) + pageEnd(0) + allPagesEnd());
-  expectEnded(outcome, 1, "unseen page");
-}
-
-TEST(PageEnds, DataAndASecondEndAfterAPagesEndAreDropped) {
-  const Picture picture = drawPicture(8, 4, 24);
-  ScanHarness harness;
-  const Outcome outcome =
-      harness.scan(settingsFor(8, 9, 24), rawLines(picture, 1) + pageEnd(1) + rawLines(picture, 1) + pageEnd(1) +
-                                              rawLines(picture, 2) + pageEnd(2) + allPagesEnd());
-  expectEnded(outcome, 2, "late data");
-  EXPECT_EQ(outcome.pages(), (std::vector<ByteString>{expectedBmp(picture), expectedBmp(picture)}));
-}
-
-// --- Records behind the end -----------------------------------------------------------------------------------------
-
-TEST(BehindTheEnd, WhatStillComesIsFinishedToo) {
-  const Picture picture = drawPicture(8, 4, 24);
-  ScanHarness harness;
-  const Outcome late =
-      harness.scan(settingsFor(8, 4, 24), rawLines(picture, 1) + pageEnd(1) + allPagesEnd() + rawLines(picture, 2));
-  expectEnded(late, 2, "a late page");
-  EXPECT_EQ(late.deliveries[1].bytes, expectedBmp(picture));
-  const Outcome gap =
-      harness.scan(settingsFor(8, 4, 24), rawLines(picture, 1) + pageEnd(1) + allPagesEnd() + pageSize(3, 8, 4));
-  expectEnded(gap, 3, "late pages without data");
-  EXPECT_TRUE(gap.deliveries[1].record.isBlankPage);
-  EXPECT_TRUE(gap.deliveries[2].record.isBlankPage);
-}
-
-TEST(BehindTheEnd, ATimerRestartRemovesNothing) {
-  const Picture picture = drawPicture(8, 4, 24);
-  ScanHarness harness;
-  for (int round = 0; round < 20; ++round) {
-    const Outcome outcome = harness.scan(settingsFor(8, 4, 24), rawLines(picture, 1) + allPagesEnd() + timer(0x50, 5));
-    expectEnded(outcome, 1, "restart behind the end");
-    EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(picture));
-  }
-}
-
-TEST(BehindTheEnd, ASecondEndChangesNothing) {
-  const Picture picture = drawPicture(8, 4, 24);
-  ScanHarness harness;
-  const Outcome outcome = harness.scan(settingsFor(8, 4, 24),
-                                       rawLines(picture, 1) + pageEnd(1) + allPagesEnd() + pageEnd(1) + allPagesEnd());
-  expectEnded(outcome, 1, "two ends");
-  EXPECT_EQ(outcome.deliveries[0].bytes, expectedBmp(picture));
-}
-
-// The caller has a blank page as soon as it is told of it, and may free it while the device repeats itself.
-TEST(BehindTheEnd, ASecondEndOfABlankPageLeavesItToTheCaller) {
-  const Picture picture = drawPicture(8, 4, 24);
-  std::vector<fakes::MemoryDevice::Part> parts;
-  for (unsigned n = 1; n <= 60; ++n) {
-    parts.push_back(fakes::MemoryDevice::data(rawLines(picture, n) + blankPageEnd(n)));
-    for (int i = 0; i < 3; ++i) {
-      parts.push_back(fakes::MemoryDevice::data(blankPageEnd(n) + pageSize(n, 5, 5) + pageEnd(n)));
-    }
-  }
-  parts.push_back(fakes::MemoryDevice::data(allPagesEnd()));
-  ScanHarness harness;
-  harness.device.stream(parts);
-  expectEnded(harness.scan(settingsFor(8, 4, 24)), 60, "blank pages");
-}
-
-// --- Sizes that cannot be --------------------------------------------------------------------------------------------
-
-TEST(Extremes, ASizeThatCannotBeEndsInAPageOrAFailure) {
-  const Picture picture = drawPicture(8, 4, 24);
-  const auto jpeg = module_test::encodeJpeg(module_test::drawPicture(16, 8, 3));
-  const std::uint32_t extremes[] = {0, 1, 0xFFFF, 0x7FFFFFFF, 0xFFFFFFFF};
-  ScanHarness harness;
-  for (const int paper : {PAPERTYPE_A4, PAPERTYPE_AUTO}) {
-    for (const std::uint32_t width : extremes) {
-      for (const std::uint32_t height : extremes) {
-        auto settings = settingsFor(8, 4, 24);
-        settings.paperType = static_cast<PAPERTYPE>(paper);
-        const ByteString streams[] = {
-            pageSize(1, width, height) + rawLines(picture) + pageEnd(1) + allPagesEnd(),
-            rawLines(picture) + pageSize(1, width, height) + pageEnd(1) + allPagesEnd(),
-            block(1, kJpeg | kColor, jpeg, height) + pageSize(1, width, 0) + pageEnd(1) + allPagesEnd(),
-            pageSize(1, width, height) + packedLines(picture) + allPagesEnd(),
-        };
-        for (const ByteString& stream : streams) {
-          const Outcome outcome = harness.scan(settings, stream);
-          EXPECT_FALSE(outcome.isLate) << std::hex << width << " by " << height;
-          EXPECT_EQ(outcome.deliveries.size(), 1u) << std::hex << width << " by " << height;
-          if (HasFailure()) return;
-        }
-      }
-    }
   }
 }
 

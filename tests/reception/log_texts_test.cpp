@@ -1,21 +1,10 @@
-// What the read thread and the second-generation reader write into the log, and at which level.
+// What the read thread and the readers write into the log, and at which level.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <ctime>
-
+#include "tests/fakes/moved_clock.h"
 #include "tests/foundation/expect_log.h"
+#include "tests/reception/dialect.h"
 #include "tests/reception/scan_harness.h"
-#include "tests/reception/scan_pictures.h"
-
-extern "C" {
-std::clock_t __real_clock();
-std::clock_t __wrap_clock();
-}
-namespace {
-std::atomic<std::clock_t> clockAdvance{0};
-}
-std::clock_t __wrap_clock() { return __real_clock() + clockAdvance; }
 
 namespace reception_test {
 namespace {
@@ -142,12 +131,35 @@ TEST(LogTexts, OfAnAbort) {
     harness.start(kSettings);
     harness.core.AbortScanning();
     harness.device.waitForMnemonic("ABT");
-    while (harness.core.GetScanStatus() == RECEIVING) clockAdvance += 10000001;
+    while (harness.core.GetScanStatus() == RECEIVING) fakes::clockAdvance += fakes::kAbortLimitPassed;
   });
   expectAtLevel(unanswered, 1, "Abort Time out occured");
 
   const auto key = levelsOf({MemoryDevice::data(stoppedByKey())});
   expectAtLevel(key, 1, "Cancel response code = 0x1");
+}
+
+TEST(LogTexts, OfTheFirstGeneration) {
+  const ByteString stream = kFirstGeneration.rawLines(kPicture) + v1::pageEnd(1);
+  auto levels = messagesByLevel([&] {
+    ScanHarness harness(SCANCMD_GENERATION_1ST);
+    harness.device.stream({MemoryDevice::data(stream), MemoryDevice::data({v1::kColor, 3}), MemoryDevice::quiet(),
+                           MemoryDevice::data({0, 2, 0, 0, 1, 0, 9}), MemoryDevice::data(v1::allPagesEnd())});
+    expectEnded(harness.scan(kSettings), 2, "first generation");
+    harness.core.UnInitialize();
+  });
+  expectAtLevel(levels, 1, std::to_string(stream.size()) + " bytes data received");
+  expectAtLevel(levels, 0, "Escape 2 bytes data");
+  expectAtLevel(levels, 1, "Set lastReceivePageNo = 1");
+  expectAtLevel(levels, 1, "Read Thread loop end");
+  expectStartAtLevel(levels, 1, ">>>>> StartScan >>>>>");
+
+  levels = messagesByLevel([] {
+    ScanHarness harness(SCANCMD_GENERATION_1ST);
+    harness.device.answer("I", {0x91, 1, 0, 0});
+    harness.scan(kSettings);
+  });
+  expectAtLevel(levels, 0, "Get Device Param failed");
 }
 
 }  // namespace

@@ -63,9 +63,19 @@ struct Outcome {
   }
 };
 
+// The scan ran to its end and delivered so many pages, in their order.
+inline void expectEnded(const Outcome& outcome, std::size_t pages, const std::string& name) {
+  EXPECT_EQ(outcome.started, 0u) << name;
+  EXPECT_FALSE(outcome.isLate) << name;
+  EXPECT_EQ(outcome.last, ALLEND) << name;
+  EXPECT_EQ(outcome.result, 0u) << name;
+  ASSERT_EQ(outcome.deliveries.size(), pages) << name;
+  for (std::size_t i = 0; i < pages; ++i) EXPECT_EQ(outcome.deliveries[i].pageNo, static_cast<int>(i) + 1) << name;
+}
+
 class ScanHarness {
  public:
-  ScanHarness() {
+  explicit ScanHarness(SCANCMD_GENERATION generation = SCANCMD_GENERATION_2ND) : device(generation) {
     keepModulesLoaded();
     connect();
   }

@@ -56,13 +56,13 @@ inline ByteString packBits(const ByteString& line) {
 // The records of one page without its end.
 inline ByteString rawLines(const Picture& picture, unsigned pageNo = 1) {
   ByteString records;
-  for (const ByteString& bytes : picture.lines) records = records + line(pageNo, picture.format(), bytes);
+  for (const ByteString& bytes : picture.lines) records += line(pageNo, picture.format(), bytes);
   return records;
 }
 inline ByteString packedLines(const Picture& picture, unsigned pageNo = 1) {
   ByteString records;
   for (const ByteString& bytes : picture.lines) {
-    records = records + line(pageNo, picture.format() | kPackBits, packBits(bytes));
+    records += line(pageNo, picture.format() | kPackBits, packBits(bytes));
   }
   return records;
 }
@@ -87,7 +87,7 @@ inline ByteString expectedBmp(const Picture& picture, int dpi = 300) {
     if (picture.bits == 24) {
       for (std::size_t i = 0; i + 2 < line.size(); i += 3) std::swap(line[i], line[i + 2]);
     }
-    bmp = bmp + line;
+    bmp += line;
   }
   return bmp;
 }

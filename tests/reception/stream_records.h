@@ -9,6 +9,7 @@ using fakes::ByteString;
 using fakes::u16;
 using fakes::u32;
 using fakes::operator+;
+using fakes::operator+=;
 
 // Format bytes.
 inline constexpr std::uint8_t kMono = 0x00;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <initializer_list>
 #include <string>
 
 namespace orvalle_scan_api {
@@ -105,6 +106,8 @@ TEST(ScanParam, EachColourTypeHasItsWordAndItsCompression) {
     EXPECT_EQ(cmd.compressionType, row.compression) << row.color << " grey JPEG " << row.grayJpeg;
     EXPECT_EQ(cmd.jpegCompressionRate, row.rate) << row.color << " grey JPEG " << row.grayJpeg;
     EXPECT_EQ(kParam.ConvertScanCmd_ColorType(withColor(row.color)), row.sent) << row.color;
+    EXPECT_EQ(kParam.ConvertScanCmd_CompressionType(withColor(row.color), capability), row.compression) << row.color;
+    EXPECT_EQ(kParam.ConvertScanCmd_JpgCompressRate(withColor(row.color), capability), row.rate) << row.color;
   }
 }
 
@@ -120,10 +123,12 @@ TEST(ScanParam, EveryRecordNamesTheBuildAndAsksForToneAdjustmentAndHalvedChroma)
 TEST(ScanParam, TheResolutionIsTheUsersAndNeverAutomatic) {
   Settings settings{};
   settings.resolution = {200, 600};
-  const Command cmd = kParam.ConvertScanPramToCmdParam(settings, {});
-  EXPECT_EQ(cmd.resolution.x, 200u);
-  EXPECT_EQ(cmd.resolution.y, 600u);
-  EXPECT_FALSE(cmd.resolution.isAuto);
+  for (const _SCANCMD_RESOLUTION& resolution :
+       {kParam.ConvertScanPramToCmdParam(settings, {}).resolution, kParam.ConvertScanCmd_Resolution(settings)}) {
+    EXPECT_EQ(resolution.x, 200u);
+    EXPECT_EQ(resolution.y, 600u);
+    EXPECT_FALSE(resolution.isAuto);
+  }
 }
 
 // --- Paper ------------------------------------------------------------------------------------------------------
@@ -131,9 +136,9 @@ TEST(ScanParam, TheResolutionIsTheUsersAndNeverAutomatic) {
 TEST(ScanParam, TheAreaTypeOfAutomaticSizeFollowsWhatTheDeviceDetects) {
   for (const int paper : {0, 1, 23, 24, 26}) {
     for (const CAP cap : {0, 1, 2}) {
-      for (const bool detectSystem : {false, true}) {
+      for (const FLAG detectSystem : std::initializer_list<FLAG>{0, 1, 2}) {
         for (const CAP deskew : {0, 1, 2}) {
-          for (const bool overScan : {false, true}) {
+          for (const FLAG overScan : std::initializer_list<FLAG>{0, 1, 2}) {
             Settings settings{};
             settings.paperType = static_cast<PAPERTYPE>(paper);
             Capability capability{};
@@ -142,11 +147,13 @@ TEST(ScanParam, TheAreaTypeOfAutomaticSizeFollowsWhatTheDeviceDetects) {
             capability.advancedFunc.autoSize.deviceDetectSize.detectOverScan = overScan;
             capability.advancedFunc.deskew.cap = deskew;
             int expected = 0;
-            if (paper == 0 && cap == 2 && !detectSystem) expected = 3;
-            if (paper == 0 && cap == 2 && detectSystem && deskew == 2 && overScan) expected = 4;
-            const _SCANCMD_SCANAREA area = kParam.ConvertScanPramToCmdParam(settings, capability).scanArea;
-            EXPECT_EQ(area.areaType, expected) << paper << cap << detectSystem << deskew << overScan;
-            EXPECT_EQ(area.left + area.top + area.width + area.height, 0u);
+            if (paper == 0 && cap == 2 && detectSystem == 0) expected = 3;
+            if (paper == 0 && cap == 2 && detectSystem != 0 && deskew == 2 && overScan != 0) expected = 4;
+            for (const auto& area : {kParam.ConvertScanPramToCmdParam(settings, capability).scanArea,
+                                     kParam.ConvertScanCmd_ScanArea(settings, capability)}) {
+              EXPECT_EQ(area.areaType, expected) << paper << cap << +detectSystem << deskew << +overScan;
+              EXPECT_EQ(area.left | area.top | area.width | area.height, 0u);
+            }
           }
         }
       }
@@ -156,7 +163,7 @@ TEST(ScanParam, TheAreaTypeOfAutomaticSizeFollowsWhatTheDeviceDetects) {
 
 TEST(ScanParam, OnlyPaperWithoutALengthSetsTheLongPaperMode) {
   for (int paper = 0; paper <= 27; ++paper) {
-    for (const int customY : {0, 5000}) {
+    for (const int customY : {0, 5000, -5000}) {
       Settings settings{};
       settings.paperType = static_cast<PAPERTYPE>(paper);
       settings.customPaperSize.y = customY;
@@ -168,23 +175,23 @@ TEST(ScanParam, OnlyPaperWithoutALengthSetsTheLongPaperMode) {
 }
 
 TEST(ScanParam, TheEdgeCutIsSentInMillimetresAndOneInPixelsNotAtAll) {
-  const auto marginOf = [](EDGECUT cut) {
+  const auto expectMargin = [](EDGECUT cut, tagRECT expected, const char* name) {
     Settings settings{};
     settings.edgeCut = cut;
-    return kParam.ConvertScanPramToCmdParam(settings, {}).marginArea;
+    for (const tagRECT& got :
+         {kParam.ConvertScanPramToCmdParam(settings, {}).marginArea, kParam.GetScanCmd_Margin_ToMm(settings)}) {
+      EXPECT_EQ(got.left, expected.left) << name;
+      EXPECT_EQ(got.top, expected.top) << name;
+      EXPECT_EQ(got.right, expected.right) << name;
+      EXPECT_EQ(got.bottom, expected.bottom) << name;
+    }
   };
-  const auto expectMargin = [](tagRECT got, tagRECT expected, const char* name) {
-    EXPECT_EQ(got.left, expected.left) << name;
-    EXPECT_EQ(got.top, expected.top) << name;
-    EXPECT_EQ(got.right, expected.right) << name;
-    EXPECT_EQ(got.bottom, expected.bottom) << name;
-  };
-  expectMargin(marginOf({1, 100, 200, 300, -400, UNIT_INCH}), {254, 508, 762, -1016}, "inches");
-  expectMargin(marginOf({2, 100, 200, 300, 400, UNIT_MILLIMETER}), {100, 200, 300, 400}, "millimetres");
-  expectMargin(marginOf({1, 100, 200, 300, 400, UNIT_PIXEL}), {}, "pixels");
-  expectMargin(marginOf({0, 100, 200, 300, 400, UNIT_MILLIMETER}), {}, "switched off");
+  expectMargin({1, 100, 200, 300, -400, UNIT_INCH}, {254, 508, 762, -1016}, "inches");
+  expectMargin({2, 100, 200, 300, 400, UNIT_MILLIMETER}, {100, 200, 300, 400}, "millimetres");
+  expectMargin({1, 100, 200, 300, 400, UNIT_PIXEL}, {}, "pixels");
+  expectMargin({0, 100, 200, 300, 400, UNIT_MILLIMETER}, {}, "switched off");
   // Converted left, right, top, bottom; what comes after the side that fails stays 0.
-  expectMargin(marginOf({1, 100, INT_MIN, 300, 400, UNIT_INCH}), {254, 0, 762, 0}, "a side that cannot be converted");
+  expectMargin({1, 100, INT_MIN, 300, 400, UNIT_INCH}, {254, 0, 762, 0}, "a side that cannot be converted");
 }
 
 // --- Switches ---------------------------------------------------------------------------------------------------
@@ -213,6 +220,10 @@ TEST(ScanParam, TheLevelsOfAutomaticColourAreSentWhereTheDeviceOffersIt) {
     EXPECT_EQ(cmd.autoColorLevelOn, cap == 2);
     EXPECT_EQ(cmd.autoColorLevel.first, cap == 2 ? 7 : 0);
     EXPECT_EQ(cmd.autoColorLevel.second, cap == 2 ? -3 : 0);
+    const ScanCmdColorLevel group = kParam.ConvertScanCmd_ColorLevel(settings, capability);
+    EXPECT_EQ(group.isOn, cap == 2);
+    EXPECT_EQ(group.level.first, cap == 2 ? 7 : 0);
+    EXPECT_EQ(group.level.second, cap == 2 ? -3 : 0);
   }
 }
 
@@ -227,8 +238,9 @@ TEST(ScanParam, DeskewIsAskedForUnlessTheDevicesFirstDeskewFlagIsOne) {
           capability.advancedFunc.deskew.cap = cap;
           capability.advancedFunc.deskew.systemType[0] = static_cast<FLAG>(first);
           capability.advancedFunc.deskew.systemType[1] = static_cast<FLAG>(second);
-          EXPECT_EQ(kParam.ConvertScanPramToCmdParam(settings, capability).autoDeskew,
-                    wish != 0 && cap == 2 && first != 1);
+          const bool expected = wish != 0 && cap == 2 && first != 1;
+          EXPECT_EQ(kParam.ConvertScanPramToCmdParam(settings, capability).autoDeskew, expected);
+          EXPECT_EQ(kParam.ConvertScanCmd_Deskew(settings, capability), expected);
         }
       }
     }
@@ -244,9 +256,11 @@ TEST(ScanParam, TheCarrierSheetIsAskedForWhereverItIsReported) {
         Capability capability{};
         capability.advancedFunc.carrierSheet.cap = cap;
         capability.advancedFunc.carrierSheet.skipOffsetSystem = skip;
-        const Command cmd = kParam.ConvertScanPramToCmdParam(settings, capability);
-        EXPECT_EQ(cmd.carrierSheetMode.isOn, wish != 0 && cap != 0);
-        EXPECT_EQ(cmd.carrierSheetMode.isAuto, wish != 0 && cap != 0 && skip == 1);
+        for (const auto& mode : {kParam.ConvertScanPramToCmdParam(settings, capability).carrierSheetMode,
+                                 kParam.ConvertScanCmd_CarrierSheet(settings, capability)}) {
+          EXPECT_EQ(mode.isOn, wish != 0 && cap != 0);
+          EXPECT_EQ(mode.isAuto, wish != 0 && cap != 0 && skip == 1);
+        }
       }
     }
   }
@@ -261,11 +275,13 @@ TEST(ScanParam, BlankPageRemovalHasALevelWhereTheDeviceHasOne) {
         Capability capability{};
         capability.advancedFunc.blankRemoval.cap = cap;
         capability.advancedFunc.blankRemoval.levelCap = levelCap;
-        const Command cmd = kParam.ConvertScanPramToCmdParam(settings, capability);
         const bool on = wish != 0 && cap == 2;
-        EXPECT_EQ(cmd.blankPageRemoval.isOn, on);
-        EXPECT_EQ(cmd.blankPageRemoval.hasLevel, on && levelCap == 2);
-        EXPECT_EQ(cmd.blankPageRemoval.level, on && levelCap == 2 ? 9u : 0u);
+        for (const auto& removal : {kParam.ConvertScanPramToCmdParam(settings, capability).blankPageRemoval,
+                                    kParam.ConvertScanCmd_BlankPageRemoval(settings, capability)}) {
+          EXPECT_EQ(removal.isOn, on);
+          EXPECT_EQ(removal.hasLevel, on && levelCap == 2);
+          EXPECT_EQ(removal.level, on && levelCap == 2 ? 9u : 0u);
+        }
       }
     }
   }
@@ -305,14 +321,17 @@ TEST(ScanParam, DoubleFeedsAreDetectedAndAnsweredAsTheDeviceCan) {
             errorFeed.resume = (flags >> 2) & 1;
             const Command cmd = kParam.ConvertScanPramToCmdParam(settings, capability);
             const bool on = wish != 0 && cap == 2;
-            EXPECT_EQ(cmd.doubleFeedDetection.isOn, on);
-            EXPECT_EQ(cmd.doubleFeedDetection.hasLevel, on && system == 2);
-            EXPECT_EQ(cmd.doubleFeedDetection.level, 0u);
             const bool stops = on && feed == 2 && errorFeed.stop != 0;
             const bool goesOn = on && feed == 2 && errorFeed.stop == 0 && errorFeed.keepOn != 0;
-            EXPECT_EQ(cmd.feedMotion.isOn, stops || goesOn);
-            EXPECT_EQ(cmd.feedMotion.hasValue, stops);
-            EXPECT_EQ(cmd.feedMotion.isContinue, goesOn);
+            for (const ScanCmdMultifeed& got : {ScanCmdMultifeed{cmd.doubleFeedDetection, cmd.feedMotion},
+                                                kParam.ConvertScanCmd_Multifeed(settings, capability)}) {
+              EXPECT_EQ(got.detection.isOn, on);
+              EXPECT_EQ(got.detection.hasLevel, on && system == 2);
+              EXPECT_EQ(got.detection.level, 0u);
+              EXPECT_EQ(got.motion.isOn, stops || goesOn);
+              EXPECT_EQ(got.motion.hasValue, stops);
+              EXPECT_EQ(got.motion.isContinue, goesOn);
+            }
           }
         }
       }
@@ -353,10 +372,12 @@ TEST(ScanParam, AThresholdIsSentWhereTheDeviceCanTakeItAndDroppedOtherwise) {
     capability.imageProcFunc.monoThreshold.manuanThresholdCap = row.cap;
     capability.imageProcFunc.monoThreshold.manualThresholdLevelMin = row.minimum;
     capability.imageProcFunc.monoThreshold.manualThresholdLevelMax = row.maximum;
-    const _SCANCMD_MONO_THRESHOLD got = kParam.ConvertScanPramToCmdParam(settings, capability).monoThreshold;
-    EXPECT_EQ(got.threshold, row.expected.threshold) << row.name;
-    EXPECT_EQ(got.useDeviceValue, row.expected.useDeviceValue) << row.name;
-    EXPECT_EQ(got.isValid, row.expected.isValid) << row.name;
+    for (const auto& got : {kParam.ConvertScanPramToCmdParam(settings, capability).monoThreshold,
+                            kParam.ConvertScanCmd_MonoThreshold(settings, capability)}) {
+      EXPECT_EQ(got.threshold, row.expected.threshold) << row.name;
+      EXPECT_EQ(got.useDeviceValue, row.expected.useDeviceValue) << row.name;
+      EXPECT_EQ(got.isValid, row.expected.isValid) << row.name;
+    }
   }
 }
 
@@ -432,11 +453,14 @@ TEST(ScanParam, TheGroundColourGoesByTheSupportOfTheColourType) {
   } rows[] = {{1, true, 1}, {2, true, 2}, {3, true, 3}, {4, false, 0}, {5, true, 4}, {0, true, 4}, {6, true, 4}};
   for (const auto& row : rows) {
     Settings settings = withColor(row.color);
-    settings.removeBackground = {1, 200};
+    settings.removeBackground = {2, 200};
     const auto got = kParam.ConvertScanPramToCmdParam(settings, capability).groundColorRemoval;
     expectGround(got, row.isOn, row.isOn, row.level, std::to_string(row.color));
+    expectGround(kParam.ConvertScanCmd_GroundColorRemoval(settings, capability), row.isOn, row.isOn, row.level,
+                 "the group of " + std::to_string(row.color));
     settings.removeBackground.enable = 0;
     expectGround(kParam.ConvertScanPramToCmdParam(settings, capability).groundColorRemoval, false, false, 0, "off");
+    expectGround(kParam.ConvertScanCmd_GroundColorRemoval(settings, capability), false, false, 0, "the group, off");
   }
 }
 

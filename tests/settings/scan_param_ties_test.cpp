@@ -2,112 +2,31 @@
 // records is changed in turn, in many surroundings, and what changes is compared with the table of ties.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
-#include <cstddef>
 #include <cstring>
-#include <iterator>
 #include <random>
 #include <set>
-#include <string>
 #include <string_view>
 #include <vector>
 
 #include "settings/ScanParam.h"
+#include "tests/settings/command_fields.h"
+#include "tests/settings/ties.h"
 
 namespace orvalle_scan_api {
 namespace {
 
 using Settings = QS_SCANNER_PARAMETERS;
 using Capability = QS_SCANNER_CAPABILITY;
-using Command = _SCANCMD_SCANPARAM;
 
-struct CommandField {
-  const char* name;
-  std::int64_t (*get)(const Command&);
+// Mutated as one: no field of the one may do what the other is for.
+struct Inputs {
+  Settings settings;
+  Capability capability;
 };
-#define FIELD(path)                                                           \
-  {                                                                           \
-#path, [](const Command& c) { return static_cast<std::int64_t>(c.path); } \
-  }
-constexpr CommandField kFields[] = {
-    FIELD(osInfo),
-    FIELD(paperSource),
-    FIELD(resolution.x),
-    FIELD(resolution.y),
-    FIELD(resolution.isAuto),
-    FIELD(colorType),
-    FIELD(scanArea.areaType),
-    FIELD(scanArea.left),
-    FIELD(scanArea.top),
-    FIELD(scanArea.width),
-    FIELD(scanArea.height),
-    FIELD(marginArea.left),
-    FIELD(marginArea.top),
-    FIELD(marginArea.right),
-    FIELD(marginArea.bottom),
-    FIELD(duplexScan.isDuplex),
-    FIELD(duplexScan.isBackSideOnly),
-    FIELD(brightness),
-    FIELD(contrast),
-    FIELD(autoColorLevelOn),
-    FIELD(autoColorLevel.first),
-    FIELD(autoColorLevel.second),
-    FIELD(monoThreshold.threshold),
-    FIELD(monoThreshold.useDeviceValue),
-    FIELD(monoThreshold.isValid),
-    FIELD(compressionType),
-    FIELD(jpegCompressionRate),
-    FIELD(jpegSamplingFactor),
-    FIELD(imageProcessing),
-    FIELD(paperType),
-    FIELD(scanPage),
-    FIELD(userName[0]),
-    FIELD(specialScan),
-    FIELD(longPaperMode),
-    FIELD(landscapeMode),
-    FIELD(vertexDetection),
-    FIELD(autoDeskew),
-    FIELD(groundColorRemoval.isOn),
-    FIELD(groundColorRemoval.hasLevel),
-    FIELD(groundColorRemoval.level),
-    FIELD(gammaAdjust.isOn),
-    FIELD(gammaAdjust.value),
-    FIELD(carrierSheetMode.isOn),
-    FIELD(carrierSheetMode.isAuto),
-    FIELD(blankPageRemoval.isOn),
-    FIELD(blankPageRemoval.hasLevel),
-    FIELD(blankPageRemoval.level),
-    FIELD(quietScan),
-    FIELD(doubleFeedDetection.isOn),
-    FIELD(doubleFeedDetection.hasLevel),
-    FIELD(doubleFeedDetection.level),
-    FIELD(feedMotion.isOn),
-    FIELD(feedMotion.hasValue),
-    FIELD(feedMotion.isContinue),
-    FIELD(moireRemoval),
-    FIELD(toneAdjust),
-};
-#undef FIELD
-constexpr std::size_t kFieldCount = std::size(kFields);
 
-using Snapshot = std::array<std::int64_t, kFieldCount>;
-Snapshot convert(const Settings& settings, const Capability& capability) {
-  const Command command = CScanParam().ConvertScanPramToCmdParam(settings, capability);
-  Snapshot values{};
-  for (std::size_t i = 0; i < kFieldCount; ++i) values[i] = kFields[i].get(command);
-  return values;
+CommandValues convert(const Inputs& in) {
+  return valuesOf(CScanParam().ConvertScanPramToCmdParam(in.settings, in.capability));
 }
-
-// One field of an input record, and the fields of the command record that it may change.
-struct Tie {
-  const char* name;
-  std::size_t offset;
-  std::size_t size;
-  std::vector<std::string_view> changes;
-};
-#define TIE(Record, path, ...) \
-  Tie { #path, offsetof(Record, path), sizeof(Record::path), __VA_ARGS__ }
 
 const std::vector<std::string_view> kByColor = {"colorType",
                                                 "contrast",
@@ -126,6 +45,7 @@ const std::vector<std::string_view> kByAutoThreshold = [] {
 const std::vector<std::string_view> kGround = {"groundColorRemoval.isOn", "groundColorRemoval.hasLevel",
                                                "groundColorRemoval.level"};
 const std::vector<std::string_view> kGroundLevel = {"groundColorRemoval.level"};
+const std::vector<std::string_view> kGroundHasLevel = {"groundColorRemoval.hasLevel", "groundColorRemoval.level"};
 const std::vector<std::string_view> kThreshold = {"monoThreshold.threshold", "monoThreshold.isValid"};
 const std::vector<std::string_view> kMargin = {"marginArea.left", "marginArea.top", "marginArea.right",
                                                "marginArea.bottom"};
@@ -136,96 +56,104 @@ const std::vector<std::string_view> kBlank = {"blankPageRemoval.isOn", "blankPag
                                               "blankPageRemoval.level"};
 const std::vector<std::string_view> kCarrier = {"carrierSheetMode.isOn", "carrierSheetMode.isAuto"};
 
-const std::vector<Tie> kSettingsTies = {
-    TIE(Settings, resolution.x, {"resolution.x"}),
-    TIE(Settings, resolution.y, {"resolution.y"}),
-    TIE(Settings, colorType, kByColor),
-    TIE(Settings, paperType, {"scanArea.areaType", "longPaperMode"}),
-    TIE(Settings, customPaperSize.y, {"longPaperMode"}),
-    TIE(Settings, brightness, {"brightness"}),
-    TIE(Settings, contrast, {"contrast"}),
-    TIE(Settings, duplexType, {"duplexScan.isDuplex"}),
-    TIE(Settings, autoDeskew, {"autoDeskew"}),
-    TIE(Settings, autoThreshold, kByAutoThreshold),
-    TIE(Settings, threshold, kThreshold),
-    TIE(Settings, autoColorLevel.first, {"autoColorLevel.first"}),
-    TIE(Settings, autoColorLevel.second, {"autoColorLevel.second"}),
-    TIE(Settings, removeBackground.enable, kGround),
-    TIE(Settings, removeBackground.level, kGroundLevel),
-    TIE(Settings, smoothing.enable, kByColor),
-    TIE(Settings, colorDrop.enable, kByColor),
-    TIE(Settings, punchHoleRemoval.enable, kByColor),
-    TIE(Settings, carrierSheet, kCarrier),
-    TIE(Settings, plasticCard, {"duplexScan.isDuplex"}),
-    TIE(Settings, edgeCut.enable, kMargin),
-    TIE(Settings, edgeCut.left, {"marginArea.left"}),
-    TIE(Settings, edgeCut.top, {"marginArea.top"}),
-    TIE(Settings, edgeCut.right, {"marginArea.right"}),
-    TIE(Settings, edgeCut.bottom, {"marginArea.bottom"}),
-    TIE(Settings, edgeCut.unit, kMargin),
-    TIE(Settings, blankPageRemoval.enable, kBlank),
-    TIE(Settings, blankPageRemoval.level, {"blankPageRemoval.level"}),
-    TIE(Settings, scanPageCount, {"scanPage"}),
-    TIE(Settings, quietScan, {"quietScan"}),
-    TIE(Settings, multifeedDetect, kMultifeed),
-};
-
-const std::vector<Tie> kCapabilityTies = {
-    TIE(Capability, generation, {"groundColorRemoval.hasLevel", "groundColorRemoval.level"}),
-    TIE(Capability, baseFunc.errorSystem.feed.cap, kMotion),
-    TIE(Capability, baseFunc.errorSystem.feed.stop, kMotion),
-    TIE(Capability, baseFunc.errorSystem.feed.keepOn, {"feedMotion.isOn", "feedMotion.isContinue"}),
-    TIE(Capability, imageProcFunc.supportCompresssionType.trueGray.jpeg, {"compressionType", "jpegCompressionRate"}),
-    TIE(Capability, imageProcFunc.monoThreshold.manuanThresholdCap, kThreshold),
-    TIE(Capability, imageProcFunc.monoThreshold.manualThresholdLevelMax, kThreshold),
-    TIE(Capability, imageProcFunc.monoThreshold.manualThresholdLevelMin, kThreshold),
-    TIE(Capability, advancedFunc.autoSize.deviceDetectSize.cap, {"scanArea.areaType"}),
-    TIE(Capability, advancedFunc.autoSize.deviceDetectSize.detectSystem, {"scanArea.areaType"}),
-    TIE(Capability, advancedFunc.autoSize.deviceDetectSize.detectOverScan, {"scanArea.areaType"}),
-    TIE(Capability, advancedFunc.carrierSheet.cap, kCarrier),
-    TIE(Capability, advancedFunc.carrierSheet.skipOffsetSystem, {"carrierSheetMode.isAuto"}),
-    TIE(Capability, advancedFunc.multifeedDetect.cap, kMultifeed),
-    TIE(Capability, advancedFunc.multifeedDetect.systemType, {"doubleFeedDetection.hasLevel"}),
-    TIE(Capability, advancedFunc.backgroundRemove, kGround),
-    TIE(Capability, advancedFunc.deskew.cap, {"scanArea.areaType", "autoDeskew"}),
-    TIE(Capability, advancedFunc.deskew.systemType[0], {"autoDeskew"}),
-    TIE(Capability, advancedFunc.blankRemoval.cap, kBlank),
-    TIE(Capability, advancedFunc.blankRemoval.levelCap, {"blankPageRemoval.hasLevel", "blankPageRemoval.level"}),
-    TIE(Capability, advancedFunc.autoColor.cap, {"autoColorLevelOn", "autoColorLevel.first", "autoColorLevel.second"}),
-};
-
-// Changes each byte of record by turns and notes which fields of the command record change with which tie.
-template <class Record, class Convert>
-void changeEveryByte(Record& record, const std::vector<Tie>& ties, std::mt19937& random, Convert convertRecord,
-                     std::vector<std::set<std::string_view>>& seen) {
-  // Values that mean something somewhere, and any other.
-  constexpr unsigned char kMeanings[] = {0, 1, 2, 3, 5, 23, 26, 100};
-  const Snapshot before = convertRecord();
-  auto* const bytes = reinterpret_cast<unsigned char*>(&record);
-  for (std::size_t at = 0; at < sizeof record; ++at) {
-    const unsigned char kept = bytes[at];
-    const unsigned pick = random() % 16;
-    bytes[at] = pick < std::size(kMeanings) ? kMeanings[pick] : static_cast<unsigned char>(random());
-    const Snapshot after = convertRecord();
-    bytes[at] = kept;
-    const auto tie = std::ranges::find_if(ties, [&](const Tie& t) { return at >= t.offset && at < t.offset + t.size; });
-    for (std::size_t i = 0; i < kFieldCount; ++i) {
-      if (before[i] == after[i]) continue;
-      ASSERT_TRUE(tie != ties.end()) << "byte " << at << " changes " << kFields[i].name;
-      ASSERT_TRUE(std::ranges::count(tie->changes, kFields[i].name) == 1)
-          << tie->name << " changes " << kFields[i].name;
-      seen[static_cast<std::size_t>(tie - ties.begin())].insert(kFields[i].name);
-    }
-  }
+// When a field is looked at.
+COLORTYPE effectiveColor(const Inputs& in) {
+  Settings settings = in.settings;
+  CScanParam().ConvertColorTypeForSpecialScanParam(settings);
+  return settings.colorType;
 }
-
-void expectAllSeen(const std::vector<Tie>& ties, const std::vector<std::set<std::string_view>>& seen) {
-  for (std::size_t i = 0; i < ties.size(); ++i) {
-    for (const std::string_view field : ties[i].changes) {
-      EXPECT_EQ(seen[i].count(field), 1u) << ties[i].name << " never changed " << field;
-    }
-  }
+template <COLORTYPE color>
+bool groundOf(const Inputs& in) {
+  return in.settings.removeBackground.enable != 0 && effectiveColor(in) == color;
 }
+bool groundOf24Bit(const Inputs& in) {
+  const COLORTYPE color = effectiveColor(in);
+  return in.settings.removeBackground.enable != 0 && (color < 1 || color > 4);
+}
+bool ground(const Inputs& in) { return in.settings.removeBackground.enable != 0; }
+bool manualThreshold(const Inputs& in) {
+  return in.settings.autoThreshold == 0 && effectiveColor(in) == COLORTYPE_BLACKANDWHITE;
+}
+bool grey(const Inputs& in) { return effectiveColor(in) == COLORTYPE_TRUEGRAY; }
+bool custom(const Inputs& in) { return in.settings.paperType == PAPERTYPE_CUSTOM; }
+bool automaticSize(const Inputs& in) { return in.settings.paperType == PAPERTYPE_AUTO; }
+bool deskewOrAutomaticSize(const Inputs& in) { return in.settings.autoDeskew != 0 || automaticSize(in); }
+bool edgeCut(const Inputs& in) { return in.settings.edgeCut.enable != 0; }
+bool edgeCutInLength(const Inputs& in) { return edgeCut(in) && in.settings.edgeCut.unit != UNIT_PIXEL; }
+bool simplex(const Inputs& in) { return in.settings.duplexType == DUPLEXTYPE_SIMPLEX; }
+bool noCard(const Inputs& in) { return in.settings.plasticCard == 0; }
+bool deskew(const Inputs& in) { return in.settings.autoDeskew != 0; }
+bool carrier(const Inputs& in) { return in.settings.carrierSheet != 0; }
+bool blank(const Inputs& in) { return in.settings.blankPageRemoval.enable != 0; }
+bool multifeed(const Inputs& in) { return in.settings.multifeedDetect != 0; }
+bool autoColor(const Inputs& in) { return in.capability.advancedFunc.autoColor.cap == 2; }
+
+#define S(path, ...) QS_TIE(Inputs, settings.path, __VA_ARGS__)
+#define C(path, ...) QS_TIE(Inputs, capability.path, __VA_ARGS__)
+const std::vector<Tie<Inputs>> kTies = {
+
+    S(resolution.x, {"resolution.x"}),
+    S(resolution.y, {"resolution.y"}),
+    S(colorType, kByColor),
+    S(paperType, {"scanArea.areaType", "longPaperMode"}),
+    S(customPaperSize.y, {"longPaperMode"}, custom),
+    S(brightness, {"brightness"}),
+    S(contrast, {"contrast"}, [](const Inputs& in) { return effectiveColor(in) != COLORTYPE_BLACKANDWHITE; }),
+    S(duplexType, {"duplexScan.isDuplex"}, noCard),
+    S(autoDeskew, {"autoDeskew"}),
+    S(autoThreshold, kByAutoThreshold),
+    S(threshold, kThreshold, manualThreshold),
+    S(autoColorLevel.first, {"autoColorLevel.first"}, autoColor),
+    S(autoColorLevel.second, {"autoColorLevel.second"}, autoColor),
+    S(removeBackground.enable, kGround),
+    S(removeBackground.level, kGroundLevel, ground),
+    S(smoothing.enable, kByColor),
+    S(colorDrop.enable, kByColor),
+    S(punchHoleRemoval.enable, kByColor),
+    S(carrierSheet, kCarrier),
+    S(plasticCard, {"duplexScan.isDuplex"}, simplex),
+    S(edgeCut.enable, kMargin),
+    S(edgeCut.left, {"marginArea.left"}, edgeCutInLength),
+    S(edgeCut.top, {"marginArea.top"}, edgeCutInLength),
+    S(edgeCut.right, {"marginArea.right"}, edgeCutInLength),
+    S(edgeCut.bottom, {"marginArea.bottom"}, edgeCutInLength),
+    S(edgeCut.unit, kMargin, edgeCut),
+    S(blankPageRemoval.enable, kBlank),
+    S(blankPageRemoval.level, {"blankPageRemoval.level"}, blank),
+    S(scanPageCount, {"scanPage"}),
+    S(quietScan, {"quietScan"}),
+    S(multifeedDetect, kMultifeed),
+    C(generation, {"groundColorRemoval.hasLevel", "groundColorRemoval.level"}, ground),
+    C(baseFunc.errorSystem.feed.cap, kMotion, multifeed),
+    C(baseFunc.errorSystem.feed.stop, kMotion, multifeed),
+    C(baseFunc.errorSystem.feed.keepOn, {"feedMotion.isOn", "feedMotion.isContinue"}, multifeed),
+    C(imageProcFunc.supportCompresssionType.trueGray.jpeg, {"compressionType", "jpegCompressionRate"}, grey),
+    C(imageProcFunc.monoThreshold.manuanThresholdCap, kThreshold, manualThreshold),
+    C(imageProcFunc.monoThreshold.manualThresholdLevelMax, kThreshold, manualThreshold),
+    C(imageProcFunc.monoThreshold.manualThresholdLevelMin, kThreshold, manualThreshold),
+    C(advancedFunc.autoSize.deviceDetectSize.cap, {"scanArea.areaType"}, automaticSize),
+    C(advancedFunc.autoSize.deviceDetectSize.detectSystem, {"scanArea.areaType"}, automaticSize),
+    C(advancedFunc.autoSize.deviceDetectSize.detectOverScan, {"scanArea.areaType"}, automaticSize),
+    C(advancedFunc.carrierSheet.cap, kCarrier, carrier),
+    C(advancedFunc.carrierSheet.skipOffsetSystem, {"carrierSheetMode.isAuto"}, carrier),
+    C(advancedFunc.multifeedDetect.cap, kMultifeed, multifeed),
+    C(advancedFunc.multifeedDetect.systemType, {"doubleFeedDetection.hasLevel"}, multifeed),
+    C(advancedFunc.backgroundRemove.blackAndWhite.cap, kGround, groundOf<COLORTYPE_BLACKANDWHITE>),
+    C(advancedFunc.backgroundRemove.blackAndWhite.level, kGroundHasLevel, groundOf<COLORTYPE_BLACKANDWHITE>),
+    C(advancedFunc.backgroundRemove.errorDiffusion.cap, kGround, groundOf<COLORTYPE_ERRORDIFFUSION>),
+    C(advancedFunc.backgroundRemove.errorDiffusion.level, kGroundHasLevel, groundOf<COLORTYPE_ERRORDIFFUSION>),
+    C(advancedFunc.backgroundRemove.trueGray.cap, kGround, groundOf<COLORTYPE_TRUEGRAY>),
+    C(advancedFunc.backgroundRemove.trueGray.level, kGroundHasLevel, groundOf<COLORTYPE_TRUEGRAY>),
+    C(advancedFunc.backgroundRemove.color24bit.cap, kGround, groundOf24Bit),
+    C(advancedFunc.backgroundRemove.color24bit.level, kGroundHasLevel, groundOf24Bit),
+    C(advancedFunc.deskew.cap, {"scanArea.areaType", "autoDeskew"}, deskewOrAutomaticSize),
+    C(advancedFunc.deskew.systemType[0], {"autoDeskew"}, deskew),
+    C(advancedFunc.blankRemoval.cap, kBlank, blank),
+    C(advancedFunc.blankRemoval.levelCap, {"blankPageRemoval.hasLevel", "blankPageRemoval.level"}, blank),
+    C(advancedFunc.autoColor.cap, {"autoColorLevelOn", "autoColorLevel.first", "autoColorLevel.second"}),
+};
+#undef S
+#undef C
 
 int any(std::mt19937& random, std::initializer_list<int> choices) {
   return *(choices.begin() + random() % choices.size());
@@ -279,28 +207,14 @@ Capability randomCapability(std::mt19937& random) {
   return c;
 }
 
-TEST(ScanParamTies, SettingsThatDifferInOneFieldChangeOnlyWhatIsTiedToIt) {
+TEST(ScanParamTies, RecordsThatDifferInOneFieldChangeOnlyWhatIsTiedToIt) {
   std::mt19937 random(63);
-  std::vector<std::set<std::string_view>> seen(kSettingsTies.size());
+  TieCheck check(kCommandFields, kTies, convert);
   for (int n = 0; n < 1500; ++n) {
-    Settings settings = randomSettings(random);
-    const Capability capability = randomCapability(random);
-    ASSERT_NO_FATAL_FAILURE(changeEveryByte(
-        settings, kSettingsTies, random, [&] { return convert(settings, capability); }, seen));
+    Inputs inputs{randomSettings(random), randomCapability(random)};
+    ASSERT_NO_FATAL_FAILURE(check.changeEveryByte(inputs, random, anyByte));
   }
-  expectAllSeen(kSettingsTies, seen);
-}
-
-TEST(ScanParamTies, CapabilitiesThatDifferInOneFieldChangeOnlyWhatIsTiedToIt) {
-  std::mt19937 random(64);
-  std::vector<std::set<std::string_view>> seen(kCapabilityTies.size());
-  for (int n = 0; n < 400; ++n) {
-    const Settings settings = randomSettings(random);
-    Capability capability = randomCapability(random);
-    ASSERT_NO_FATAL_FAILURE(changeEveryByte(
-        capability, kCapabilityTies, random, [&] { return convert(settings, capability); }, seen));
-  }
-  expectAllSeen(kCapabilityTies, seen);
+  check.expectAllSeen();
 }
 
 TEST(ScanParamTies, WishesThatTheDeviceDoesNotSupportLeaveZeros) {
@@ -345,9 +259,9 @@ TEST(ScanParamTies, WishesThatTheDeviceDoesNotSupportLeaveZeros) {
       advanced.blankRemoval.cap = cap;
       advanced.blankRemoval.levelCap = 2;
       advanced.autoColor.cap = cap;
-      const Snapshot values = convert(settings, capability);
-      for (std::size_t i = 0; i < kFieldCount; ++i) {
-        if (values[i] != 0) told.insert(kFields[i].name);
+      const CommandValues values = convert({settings, capability});
+      for (std::size_t i = 0; i < kCommandFieldCount; ++i) {
+        if (values[i] != 0) told.insert(kCommandFields[i].name);
       }
     }
   }

@@ -49,8 +49,8 @@ class CTFileIo {
   bool IsEndOfFile();
 
   // Kept: from the end, the stream is read through to its end first and the seek then goes from there. Looks like a
-  // detour around fseek's own end; a stream without a known size needs it. Pinned by TFileIo_test "Seeking from the
-  // end".
+  // detour around fseek's own end; a stream without a known size needs it. Pinned by TFileIo_test
+  // "SeekingFromTheEndReadsTheStreamThrough".
   bool Seek(long offset, seekorigin_t origin);
   bool SeekToBegin();
   bool SeekToEnd();

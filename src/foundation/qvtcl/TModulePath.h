@@ -19,8 +19,8 @@ class CTModulePath {
   CTString GetCurrentProcessFullPathName();
 
   CTString GetModuleFullName(const void* bundleId);
-  // Kept: the base name keeps its folders: the full path less its extension. Pinned by TModulePath_test "The base
-  // name".
+  // Kept: the base name keeps its folders: the full path less its extension. Pinned by TModulePath_test
+  // "TheBaseNameKeepsItsFolders".
   CTString GetModuleBaseName(const void* bundleId);
   CTString GetModulePathName(const void* bundleId);  // the folder
   CTString GetProcessFullName();

@@ -93,7 +93,7 @@ void CTString::spliceString(unsigned long index, unsigned long count, const char
   if (text != nullptr && n != 0 && std::greater_equal<>()(text, whole.data()) &&
       std::less<>()(text, whole.data() + whole.size() + 1)) {
     const CTString copy(text, 0, n);  // the bytes are about to move
-    return spliceString(index, count, copy.C_str(), std::min(n, copy.length));
+    return spliceString(index, count, copy.C_str(), copy.view().size());
   }
   const unsigned long newLength = length - count + n;
   const unsigned long behind = whole.size() - std::min<unsigned long>(index + count, whole.size());
@@ -403,10 +403,10 @@ CTString& CTString::ToLower() {
   return *this;
 }
 
-// Keeps the bytes from begin up to end.
+// Keeps the bytes from begin up to end; none where these have crossed.
 void CTString::keepRange(unsigned long begin, unsigned long end) {
   spliceString(end, length - end, nullptr, 0);
-  spliceString(0, begin, nullptr, 0);
+  spliceString(0, std::min(begin, end), nullptr, 0);
 }
 
 CTString& CTString::TrimLeft(const char* set) {
@@ -421,7 +421,12 @@ CTString& CTString::TrimRight(const char* set) {
   return *this;
 }
 
-CTString& CTString::Trim(const char* set) { return TrimRight(set).TrimLeft(set); }
+CTString& CTString::Trim(const char* set) {
+  if (set == nullptr) return *this;
+  keepRange(view().find_first_not_of(set), view().find_last_not_of(set) + 1);  // set may lie in the block that goes
+  return *this;
+}
+
 CTString& CTString::Trim() { return Trim(kSpaces); }
 CTString& CTString::TrimLeft() { return TrimLeft(kSpaces); }
 CTString& CTString::TrimRight() { return TrimRight(kSpaces); }

@@ -7,8 +7,8 @@
 // invalid: the call does nothing, or returns nposi. nolen as a length means all the rest. A null text counts as empty.
 //
 // Kept: the copy step refuses a text that does not fit the largest block (65520 bytes and more): length is then as
-// asked, while no byte arrives, and reading finds zero bytes or nothing. Callers stay below. Pinned by TString_test
-// "cap".
+// asked, while no byte arrives, and reading finds zero bytes or nothing. Callers stay below. Pinned by
+// TString_storage_test "TheCapKeepsTheLengthAndRefusesTheBytes".
 //
 // Nothing throws: where memory is short the block stays unset and the text reads as empty.
 // Threads: an object belongs to one thread.
@@ -54,7 +54,7 @@ class CTString {
   CTString& operator+=(unsigned long long value);
 
   // Kept: an empty side is not compared as text: empty against full gives minus the other's length, full against empty
-  // its own length. Everything else is strcmp's answer. Pinned by TString_test "An empty side".
+  // its own length. Everything else is strcmp's answer. Pinned by TString_test "AnEmptySideIsComparedByLength".
   int Compare(const CTString& other) const;
   int Compare(const char* other) const;
   int Compare(char other) const;
@@ -152,13 +152,15 @@ class CTString {
   // The number at the start, behind whitespace; overflow wraps, reading ends silently at the first byte that does not
   // fit. "0x1f" is hexadecimal, "017" octal, everything else decimal.
   // Kept: a sign or a dollar sign keeps a prefix from being seen: "-0x10" and "$1F" read 0, although IsHexadecimal
-  // takes the dollar sign. Pinned by TString_number_test "A sign hides the prefix".
+  // takes the dollar sign. Pinned by TString_number_test
+  // "ASignHidesThePrefixAndADollarSignIsNone".
   int ToInteger() const;
   unsigned int ToUInteger() const;
   long long ToLonglong() const;
   unsigned long long ToULonglong() const;
   // Kept: one stray byte behind the digits passes ("12a"), since the byte that ends the digits is never looked at; a
-  // leading 0 with anything behind it fails. Pinned by TString_number_test "IsDecimal".
+  // leading 0 with anything behind it fails. Pinned by TString_number_test
+  // "IsDecimalLetsOneStrayByteAtTheEndPass".
   bool IsDecimal() const;
   bool IsHexadecimal() const;  // "$1F" or "0x1F"
 

@@ -14,7 +14,7 @@ struct _CLKTIME {
   long milliseconds;
 };
 
-// Kept: year counts from 1900 while month counts from 1. Pinned by TTime_test "The year counts from 1900".
+// Kept: year counts from 1900 while month counts from 1. Pinned by TTime_test "TheYearCountsFrom1900AndTheMonthFrom1".
 struct _TIME_INFO {
   std::int32_t year;
   std::int32_t month;  // 1 to 12
@@ -36,8 +36,8 @@ class CTTime {
 
   void StartTimeMeasure();
   // Milliseconds since the start; 0 if it was not started.
-  // Kept: a start that fell exactly on a whole second reads as not started. Pinned by TTime_test "A start on a whole
-  // second".
+  // Kept: a start that fell exactly on a whole second reads as not started. Pinned by TTime_test
+  // "AStartOnAWholeSecondReadsAsNotStarted".
   long LapTimeMeasure();
   long CalcTimeMeasure();  // the same without asking whether it was started
   long StopTimeMeasure();  // LapTimeMeasure, then the start is cleared

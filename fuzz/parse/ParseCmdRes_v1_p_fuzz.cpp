@@ -1,0 +1,10 @@
+// The palette.
+#include "fuzz/parse/body_fuzz.h"
+#include "parse/ParseCmdRes_v1.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  FuzzedBody body(data, size);
+  const auto palette = orvalle_scan_api::CParseCmdRes_v1().ParseColorPaletteResponse(body.data(), body.size());
+  touchRecord(palette);
+  return 0;
+}
