@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdio>
 #include <iostream>
+#include <optional>
 
 #include "scanner.h"
 #include "support/failure.h"
@@ -38,11 +39,19 @@ void beScanners(const std::vector<ScannerOptions>& all) {
       throw Failure((options.name.empty() ? "" : "scanner " + options.name + ": ") + failure.what());
     }
   }
+  std::vector<Announcement> announcements;
+  bool isVerbose = false;
   for (std::size_t i = 0; i < all.size(); ++i) {
+    const auto& own = scanners[i]->announcements();
+    announcements.insert(announcements.end(), own.begin(), own.end());
+    isVerbose = isVerbose || all[i].verbose;
     scanners[i]->start();
     std::cout << "listening on " << scanners[i]->addresses() << (all[i].name.empty() ? "" : " as " + all[i].name)
               << std::endl;
   }
+  Log log(isVerbose);
+  std::optional<Announcer> announcer;
+  if (!announcements.empty()) announcer.emplace(std::move(announcements), log);
   pollfd watched{stop.get(), POLLIN, 0};
   while (::poll(&watched, 1, -1) <= 0) {
   }

@@ -14,6 +14,9 @@ void declareSheets(CLI::App& app, ScannerOptions& options) {
   app.add_option("--feeder", options.moreSheets, "More files for the feeder")->type_name("FILE");
   app.add_option("--bed", options.bed, "The sheet on the bed")->type_name("FILE");
   app.add_flag("--blank-backs", options.blankBacks, "Each page is a sheet with a white back");
+  app.add_option("--skew", options.skewDegrees, "How far off the sheets lie, clockwise, in degrees")
+      ->type_name("DEGREES")
+      ->check(CLI::Range(-45.0, 45.0));
   app.add_flag("--reload", options.reloads, "Fill the feeder again after each scan");
 }
 
@@ -35,6 +38,9 @@ void declareLine(CLI::App& app, ScannerOptions& options) {
       ->allow_extra_args(false);
   app.add_option("--unix", options.unixPath, "Unix socket to listen on (TCP then only with --listen)")
       ->type_name("PATH");
+  app.add_option("--place", options.place, "Where the scanner stands, told over mDNS")->type_name("TEXT");
+  app.add_option("--id", options.id, "What tells this scanner from all others over mDNS")->type_name("TEXT");
+  app.add_flag("--hidden", options.isHidden, "Tell the network nothing over mDNS");
   app.add_option("--ppm", options.pagesPerMinute, "Pages per minute; 0 is as fast as the line allows")
       ->check(CLI::Range(0.0, 1e6));
   app.add_option("--drip", options.dripBytes, "Send in pieces of that many bytes")->type_name("BYTES");

@@ -12,6 +12,9 @@ struct ScannerOptions {
   std::vector<std::string> listen;
   std::string unixPath;
   std::string controlPath;
+  std::string place;
+  std::string id;
+  bool isHidden = false;  // not announced
   std::string profile = "office";
   std::vector<std::string> overrides;
   std::vector<std::string> sheets;
@@ -19,6 +22,7 @@ struct ScannerOptions {
   std::string bed;
   bool blankBacks = false;
   bool reloads = false;
+  double skewDegrees = 0;
   std::string lines = "packbits";
   std::string whiteLines = "mono";
   std::string colorLines = "rgb";

@@ -1,5 +1,9 @@
 #include "scanner.h"
 
+#include <unistd.h>
+
+#include <array>
+
 #include "device/dialogue.h"
 #include "support/failure.h"
 
@@ -34,6 +38,7 @@ Device makeDevice(const ScannerOptions& options, Log& log) {
 
   DeviceOptions device;
   device.page.rawLines = options.lines == "raw";
+  device.page.skewDegrees = options.skewDegrees;
   device.page.colorLines = colorLinesNamed(options.colorLines);
   device.whiteLinesInMono = options.whiteLines != "none";
   device.whiteLinesInGrey = options.whiteLines == "all";
@@ -58,6 +63,27 @@ std::vector<Listener> listen(const ScannerOptions& options, int number) {
   return listeners;
 }
 
+std::vector<Announcement> announcementsFor(const ScannerOptions& options, const Profile& profile,
+                                           const std::vector<Listener>& listeners) {
+  std::vector<Announcement> announcements;
+  if (options.isHidden) return announcements;
+  std::array<char, 256> host{};
+  ::gethostname(host.data(), host.size() - 1);
+  Announcement one;
+  one.model = profile.capability.modelName();
+  one.name = options.name.empty() ? one.model : options.name;
+  one.id = options.id.empty() ? std::string(host.data()) + "/" + (options.name.empty() ? profile.name : options.name)
+                              : options.id;
+  one.place = options.place;
+  for (const Listener& listener : listeners) {
+    if (listener.port() == 0) continue;
+    one.port = listener.port();
+    one.onlyLoopback = listener.isLoopback();
+    announcements.push_back(one);
+  }
+  return announcements;
+}
+
 }  // namespace
 
 Scanner::Scanner(const ScannerOptions& options, int number, int stopFd)
@@ -65,6 +91,7 @@ Scanner::Scanner(const ScannerOptions& options, int number, int stopFd)
   if (!options.button.empty()) pressButton(device_.profile, *device_.panel, options.button);
   std::vector<Listener> listeners = listen(options, number);
   for (const Listener& listener : listeners) addresses_ += (addresses_.empty() ? "" : " and ") + listener.address();
+  announcements_ = announcementsFor(options, device_.profile, listeners);
   server_ = std::make_unique<Server>(device_, std::move(listeners), log_, stopFd);
   if (!options.controlPath.empty()) {
     control_ =
@@ -80,7 +107,5 @@ void Scanner::start() {
   threads_.emplace_back([this] { server_->run(); });
   if (control_) threads_.emplace_back([this] { control_->run(); });
 }
-
-std::string Scanner::addresses() const { return addresses_; }
 
 }  // namespace vscan

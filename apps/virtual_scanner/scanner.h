@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "device/control.h"
+#include "net/announcer.h"
 #include "net/server.h"
 #include "options.h"
 
@@ -24,12 +25,16 @@ class Scanner {
   void start();
 
   // "127.0.0.1:9480 and unix:/path".
-  std::string addresses() const;
+  const std::string& addresses() const { return addresses_; }
+
+  // What the network is to be told of it: one for each TCP address, none when it is hidden.
+  const std::vector<Announcement>& announcements() const { return announcements_; }
 
  private:
   Log log_;
   Device device_;
   std::string addresses_;
+  std::vector<Announcement> announcements_;
   std::unique_ptr<Server> server_;
   std::unique_ptr<Control> control_;  // null without a control socket
   std::vector<std::thread> threads_;

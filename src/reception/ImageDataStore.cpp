@@ -1,5 +1,7 @@
 #include "reception/ImageDataStore.h"
 
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
@@ -22,6 +24,17 @@ constexpr std::size_t kRecordWordsBytes = 12;
 
 int clampedInt(std::uint64_t value) {
   return static_cast<int>(std::min<std::uint64_t>(value, std::numeric_limits<int>::max()));
+}
+
+// A large block is used once and given back: with small pages, touching it for the first time costs as much as copying
+// it. Only a wish; where it is not granted all stays as it is.
+void askForHugePages(void* block, std::size_t size) {
+#ifdef MADV_HUGEPAGE
+  constexpr std::uintptr_t kHugePage = std::uintptr_t{2} << 20;
+  const auto begin = (reinterpret_cast<std::uintptr_t>(block) + kHugePage - 1) & ~(kHugePage - 1);
+  const auto end = (reinterpret_cast<std::uintptr_t>(block) + size) & ~(kHugePage - 1);
+  if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+#endif
 }
 
 }  // namespace
@@ -304,6 +317,7 @@ bool CImageDataStore::ReallocDataBlockBuffer(std::uint32_t newSize) {
   if (data == nullptr) return false;
   setBlock(static_cast<unsigned char*>(data));
   m_buffSize = newSize;
+  askForHugePages(data, newSize);
   return true;
 }
 

@@ -52,6 +52,16 @@ TEST(FrameReader, AValueMayHoldAnEqualsSign) {
   EXPECT_EQ(std::get<Frame>(*command).lines.at(0).value, "a=b");
 }
 
+TEST(FrameReader, TheEndByteInsideACharacterOfANameEndsNothing) {
+  FrameReader reader;
+  const std::string name = "\xC3\x80 \xE2\x82\x80 \xE4\xB8\x80\x7A\xC3\x80";  // A grave, subscript zero, one
+  const auto command = feedAll(reader, "\x1BSSP\nUSER=" + name + "\n\x80");
+  ASSERT_TRUE(command);
+  ASSERT_TRUE(std::holds_alternative<Frame>(*command));
+  EXPECT_EQ(std::get<Frame>(*command).lines.at(0).value, name);
+  EXPECT_EQ(reader.pendingBytes(), 0u);
+}
+
 TEST(FrameReader, ALineOfOneWordHasNoKey) {
   FrameReader reader;
   const auto command = feedAll(reader,

@@ -30,6 +30,17 @@ TEST(Gen2Answers, TheGrantedSettingsAreThreeTagsAndTheTerminator) {
   EXPECT_EQ(grantedBody({false, 300, 600, 2550, 8400}).at(4), 2);
 }
 
+TEST(Gen2Answers, TheColourProfilesAreTwoTagsAndTheTerminator) {
+  EXPECT_EQ(profilesBody({1, 2, 3}, {4}),
+            (Bytes{0x01, 0x31, 3, 0, 1, 2, 3, 0x02, 0x31, 1, 0, 4, 0xF0, 0xF0, 0x00, 0x00}));
+}
+
+TEST(Gen2Answers, ADocumentIsItsSizeAtAResolution) {
+  EXPECT_EQ(documentBody({300, 200, 2480, 3507}),
+            (Bytes{0x02, 0x20, 4, 0, 0x2C, 0x01, 0xC8, 0x00, 0x03, 0x20, 8,    0,
+                   0xB0, 0x09, 0, 0, 0xB3, 0x0D, 0,    0,    0xF0, 0xF0, 0x00, 0x00}));
+}
+
 TEST(Gen2Answers, ADocumentCheckIsTwoBytes) {
   EXPECT_EQ(answerOf(kTwoBytes, 0, {kDocumentThere}), (Bytes{0x00, 0x80}));
   EXPECT_EQ(answerOf(kTwoBytes, 0x90, {}), (Bytes{0x90, 0x00}));

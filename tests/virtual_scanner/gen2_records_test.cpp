@@ -52,6 +52,16 @@ TEST(Gen2Records, ABlankPageIsNamedByItsSizeEvenIfTheHostKnowsIt) {
   EXPECT_EQ(stream().findings(1, page).size(), 12u);
 }
 
+TEST(Gen2Records, TheColourIsToldBeforeTheSize) {
+  Page page;
+  page.compression = Compression::Jpeg;
+  page.tellsColor = true;
+  page.foundColor = PageColor::Mono;
+  EXPECT_EQ(stream().findings(3, page), (Bytes{0x00, 0x12, 0x03, 0x00, 0x11, 0x00}));
+  page.tellsSize = true;
+  EXPECT_EQ(stream().findings(3, page).size(), 6u + 12u);
+}
+
 TEST(Gen2Records, OnlyRecordsWithDataHaveASize) {
   const Page page = linesPage(PageColor::Grey, Compression::None, 1, 1, {0, 255});
   const auto records = recordsOf(1, page, true);

@@ -127,6 +127,11 @@ ReceivedScan Host::receiveScan() {
       page.heightsSoFar.push_back(u32(group, 6));
       page.data.push_back(receive(u32(group, 2)));
     }
+    if (head[1] == 0x12) {
+      const Bytes format = receive(2);
+      if (format.size() < 2) return scan;
+      page.checkedFormat = format[0];
+    }
     if (head[1] == 0x11) {
       const Bytes size = receive(8);
       if (size.size() < 8) return scan;

@@ -34,6 +34,7 @@ struct ReceivedPage {
   std::vector<std::uint8_t> statuses;  // of every record of the page, in order
   std::uint32_t sizeWidth = 0;
   std::uint32_t sizeHeight = 0;
+  int checkedFormat = -1;  // told by the result of the colour check
 
   Bytes joined() const;  // all data, one after the other
 };

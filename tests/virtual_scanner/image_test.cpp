@@ -4,6 +4,7 @@
 
 #include "image/encode_jpeg.h"
 #include "image/resample.h"
+#include "image/rotate.h"
 #include "image/tone.h"
 #include "sheet_makers.h"
 #include "support/failure.h"
@@ -126,14 +127,41 @@ TEST(Tone, ErrorDiffusionLeavesBlackAndWhiteAlone) {
   EXPECT_EQ(diffuseError(grey), threshold(grey, 128));
 }
 
-TEST(Tone, ALittleDustDoesNotMakeAPage) {
-  Raster page(100, 100, 1, 250);
-  EXPECT_TRUE(isBlank(page));
-  page.pixels[5] = 0;
-  page.pixels[500] = 0;
-  EXPECT_TRUE(isBlank(page));
-  page.pixels[5000] = 0;
-  EXPECT_FALSE(isBlank(page));
+TEST(Tone, WhatIsAsLightAsTheBackgroundBecomesWhite) {
+  Raster page(4, 1, 3);
+  page.pixels = {240, 230, 220, 240, 230, 200, 206, 206, 206, 207, 207, 207};
+  Raster grey(3, 1, 1);
+  grey.pixels = {206, 207, 255};
+  removeBackground(page, 96);
+  removeBackground(grey, 96);
+  EXPECT_EQ(page.pixels, (Bytes{255, 255, 255, 240, 230, 200, 206, 206, 206, 255, 255, 255}));
+  EXPECT_EQ(grey.pixels, (Bytes{206, 255, 255}));
+  removeBackground(grey, 0);
+  EXPECT_EQ(grey.pixels, (Bytes{206, 255, 255}));
+}
+
+TEST(Rotate, NoTurnLeavesEachPixel) {
+  const Raster picture = test::patternOf(30, 20, 3);
+  EXPECT_EQ(rotate(picture, 0).pixels, picture.pixels);
+}
+
+TEST(Rotate, AHalfTurnTurnsThePictureRound) {
+  const Raster picture = test::patternOf(30, 20, 1);
+  const Raster turned = rotate(picture, 180);
+  for (int y = 0; y < 20; ++y) {
+    for (int x = 0; x < 30; ++x) EXPECT_EQ(turned.line(y)[x], picture.line(19 - y)[29 - x]) << x << "," << y;
+  }
+}
+
+TEST(Rotate, ASmallTurnIsClockwiseAndItsCornersAreWhite) {
+  Raster picture(101, 101, 1, 0);
+  for (int x = 0; x < 101; ++x) picture.line(50)[x] = 200;  // a level bar through the middle
+  const Raster turned = rotate(picture, 10);
+  EXPECT_EQ(turned.line(0)[0], 255);
+  EXPECT_EQ(turned.line(50)[50], 200);
+  EXPECT_GT(turned.line(50 + 7)[90], 100);  // 40 * tan(10) = 7: the right side goes down
+  EXPECT_GT(turned.line(50 - 7)[10], 100);
+  EXPECT_LT(turned.line(50 - 7)[90], 100);
 }
 
 TEST(EncodeJpeg, TheFileShowsThePictureWithItsResolution) {

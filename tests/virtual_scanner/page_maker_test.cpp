@@ -275,5 +275,96 @@ TEST(GrantScan, BothSidesNeedADuplexFeederAndASourceHasToBeThere) {
   EXPECT_TRUE(std::holds_alternative<std::string>(grantScan(profile, settings, true, false)));
 }
 
+TEST_F(PageMakerTest, WhatTheMarginsHideIsWhite) {
+  for (const std::size_t side : {0u, 1u, 2u, 3u}) profile_.capability.set("marginSize", 4 + side, 10);  // a millimetre
+  const Raster picture(60, 50, 1, 7);
+  const Page page = make(picture, 254, settingsOf(ColorMode::Grey, Compression::None, 254), {}, AreaKind::Automatic);
+  ASSERT_EQ(page.widthPx, 60);
+  for (int y = 0; y < 50; ++y) {
+    for (int x = 0; x < 60; ++x) {
+      const bool isSeen = x >= 10 && x < 50 && y >= 10 && y < 40;
+      ASSERT_EQ(page.data[static_cast<std::size_t>(y * 60 + x)], isSeen ? 7 : 255) << x << "," << y;
+    }
+  }
+}
+
+TEST_F(PageMakerTest, MarginsWiderThanTheSheetHideIt) {
+  for (const std::size_t side : {0u, 1u, 2u, 3u}) profile_.capability.set("marginSize", 4 + side, 32767);
+  const Page page =
+      make(Raster(60, 50, 1, 7), 254, settingsOf(ColorMode::Grey, Compression::None, 254), {}, AreaKind::Automatic);
+  EXPECT_EQ(page.data, Bytes(3000, 255));
+}
+
+TEST_F(PageMakerTest, ASheetLiesAskewUnlessTheDeviceStraightensIt) {
+  Raster picture(200, 100, 1, 255);
+  for (int x = 0; x < 200; ++x) picture.line(50)[x] = 0;
+  const std::string path = folder_.file("sheet.png");
+  test::writePng(path, picture, 300);
+  ScanSettings settings = settingsOf(ColorMode::Grey, Compression::None, 300);
+  PageOptions options;
+  options.skewDegrees = 5;
+  const StartSettings start{settings.resolution, AreaKind::Automatic, {}};
+  const PageSource source{{openSheetFile(path), 0}, {}};
+  const Page askew = makePage(profile_, granted(settings), start, source, options);
+  EXPECT_NE(askew.data, picture.pixels);
+  settings.deskew = true;
+  EXPECT_EQ(makePage(profile_, granted(settings), start, source, options).data, picture.pixels);
+  profile_.capability.set("deskew", 0, 1);  // on the bed only
+  EXPECT_THROW(granted(settings), Failure);
+}
+
+TEST_F(PageMakerTest, AnAutomaticColourPageIsSentAsWhatItIs) {
+  ScanSettings settings = settingsOf(ColorMode::Automatic, Compression::Jpeg, 300);
+  const struct {
+    const char* name;
+    Raster picture;
+    PageColor found;
+    PageColor sent;
+  } rows[] = {
+      {"black and white", Raster(40, 40, 3, 255), PageColor::Mono, PageColor::Grey},
+      {"grey", Raster(40, 40, 3, 128), PageColor::Grey, PageColor::Grey},
+      {"colour", patternOf(40, 40, 3), PageColor::Color, PageColor::Color},
+  };
+  for (const auto& row : rows) {
+    const Page page = make(row.picture, 300, settings, {}, AreaKind::Automatic);
+    EXPECT_TRUE(page.tellsColor) << row.name;
+    EXPECT_EQ(page.foundColor, row.found) << row.name;
+    EXPECT_EQ(page.color, row.sent) << row.name;
+    EXPECT_EQ(page.compression, Compression::Jpeg) << row.name;
+  }
+  profile_.capability.set("autoColorLevel", 0, 0);
+  EXPECT_THROW(granted(settings), Failure);
+}
+
+TEST_F(PageMakerTest, TheLevelOfBlankRemovalCounts) {
+  Raster dirty(1000, 100, 1, 255);
+  for (std::size_t i = 0; i < 30; ++i) dirty.pixels[i] = 0;
+  ScanSettings settings = settingsOf(ColorMode::Grey, Compression::None, 300);
+  settings.blankRemoval = {true, {}};
+  EXPECT_FALSE(make(dirty, 300, settings, {}, AreaKind::Automatic).isBlank);
+  settings.blankRemoval.level = 4;
+  EXPECT_TRUE(make(dirty, 300, settings, {}, AreaKind::Automatic).isBlank);
+}
+
+TEST_F(PageMakerTest, AnAutomaticPageThatGoesOnBehindTheDevicesLengthIsTooLong) {
+  const Raster long400mm(100, 800, 1, 9);  // at 50 dpi 406 mm; the feeder takes 355.6
+  ScanSettings settings = settingsOf(ColorMode::Grey, Compression::None, 50);
+  EXPECT_TRUE(make(long400mm, 50, settings, {}, AreaKind::Automatic).isTooLong);
+  EXPECT_FALSE(make(long400mm, 50, settings, {0, 0, 100, 700}).isTooLong);
+  settings.longPaper = true;
+  const Page page = make(long400mm, 50, settings, {}, AreaKind::Automatic);
+  EXPECT_FALSE(page.isTooLong);
+  EXPECT_EQ(page.heightPx, 800);
+}
+
+TEST_F(PageMakerTest, TheBackgroundIsRemovedWhereAskedFor) {
+  ScanSettings settings = settingsOf(ColorMode::Grey, Compression::None, 300);
+  EXPECT_EQ(make(Raster(2, 1, 1, 220), 300, settings, {}, AreaKind::Automatic).data, Bytes(2, 220));
+  settings.backgroundRemoval = {true, {}};
+  EXPECT_EQ(make(Raster(2, 1, 1, 220), 300, settings, {}, AreaKind::Automatic).data, Bytes(2, 255));
+  settings.backgroundRemoval.level = 10;
+  EXPECT_EQ(make(Raster(2, 1, 1, 220), 300, settings, {}, AreaKind::Automatic).data, Bytes(2, 220));
+}
+
 }  // namespace
 }  // namespace vscan

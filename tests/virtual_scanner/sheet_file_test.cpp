@@ -91,6 +91,46 @@ TEST_F(SheetFileTest, APdfPageIsDrawnAtTheResolutionAskedFor) {
   EXPECT_EQ(sheet.pixels.line(100)[300], 255);  // below it
 }
 
+TEST_F(SheetFileTest, EachKindOfPnmIsRead) {
+  const struct {
+    const char* name;
+    std::string bytes;
+    int channels;
+    Bytes pixels;
+  } rows[] = {
+      {"bits as text", "P1\n# a comment\n3 2\n1 0 1\n001", 1, {0, 255, 0, 255, 255, 0}},
+      {"grey as text", "P2 3 2 9 0 3 9 9 9 0", 1, {0, 85, 255, 255, 255, 0}},
+      {"colour as text", "P3\n1 2\n255\n1 2 3\n4 5 6\n", 3, {1, 2, 3, 4, 5, 6}},
+      {"bits", "P4\n9 1\n\x55\x80", 1, {255, 0, 255, 0, 255, 0, 255, 0, 0}},
+      {"grey", std::string("P5\n2 2\n255\n\x00\x20#\xFF", 15), 1, {0, 0x20, '#', 255}},
+      {"grey of 16 bits", std::string("P5 2 1 65535 \x00\xFF\xFF\xFF", 17), 1, {1, 255}},
+      {"colour", std::string("P6 1 1 255\n\n \x0D", 14), 3, {'\n', ' ', '\r'}},
+  };
+  const std::string path = folder_.file("sheet.pnm");
+  for (const auto& row : rows) {
+    test::writeFile(path, row.bytes);
+    const auto file = openSheetFile(path);
+    EXPECT_FALSE(file->hasResolution());
+    const Sheet sheet = file->load(0, 100, 100);
+    EXPECT_EQ(sheet.pixels.channels, row.channels) << row.name;
+    EXPECT_EQ(sheet.pixels.pixels, row.pixels) << row.name;
+    EXPECT_EQ(sheet.dpiX, 300);
+  }
+}
+
+TEST_F(SheetFileTest, ABrokenPnmIsSaidInASentence) {
+  const std::string path = folder_.file("sheet.pnm");
+  for (const char* bytes : {"P5", "P5 2", "P5 0 2 255 ", "P5 2 2 0 ", "P5 2 2 65536 ", "P5 99999999 1 255 ",
+                            "P5 500000 500001 255 ", "P6 x 1 255 "}) {
+    test::writeFile(path, bytes);
+    EXPECT_THROW(openSheetFile(path), Failure) << bytes;
+  }
+  for (const char* bytes : {"P5 2 2 255 abc", "P2 2 1 9 5 10", "P2 2 1 9 5", "P1 2 1 02", "P4 9 1 a"}) {
+    test::writeFile(path, bytes);
+    EXPECT_THROW(openSheetFile(path)->load(0, 1, 1), Failure) << bytes;
+  }
+}
+
 TEST_F(SheetFileTest, AMissingOrUnknownFileIsSaidInASentence) {
   test::writeFile(folder_.file("sheet.txt"), "hello");
   test::writeFile(folder_.file("empty.png"), "");

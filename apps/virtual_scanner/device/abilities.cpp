@@ -32,6 +32,8 @@ Abilities ofSecond(const Capability& device) {
     can.thresholdMax = device.at("monoThresholdMax");
   }
   can.findsDoubleFeeds = hasBit(device.at("multifeed"), 0);
+  can.judgesColor = hasBit(device.at("autoColorLevel"), 0);
+  can.hasColorProfiles = device.at("colorProfile") == 1;
   return can;
 }
 

@@ -31,6 +31,8 @@ struct Abilities {
   std::int64_t thresholdMin = 1;               // of a threshold that the host gives; the minimum above
   std::int64_t thresholdMax = 0;               // the maximum: none can be given
   bool findsDoubleFeeds = false;
+  bool judgesColor = false;
+  bool hasColorProfiles = false;
 
   const PathAbilities& of(Path path) const { return paths[static_cast<std::size_t>(path)]; }
 };

@@ -1,7 +1,9 @@
 #include "device/dialogue.h"
+#include "image/icc_profiles.h"
 #include "image/palette.h"
 #include "protocol/gen2_answers.h"
 #include "protocol/gen2_commands.h"
+#include "support/failure.h"
 
 namespace vscan::gen2 {
 namespace {
@@ -59,6 +61,39 @@ Outcome tellPalette(Dialogue&, const Frame& frame) {
   return Reply{0, paletteTriples()};
 }
 
+Outcome tellColorProfiles(Dialogue& dialogue, const Frame& frame) {
+  if (const auto refusal = readNoKeys(frame)) return *refusal;
+  if (!dialogue.device.profile.abilities().hasColorProfiles) {
+    return Refusal{"the profile offers no colour profiles", frame.bytes};
+  }
+  static const Bytes body = profilesBody(colorProfile(), greyProfile());
+  return Reply{0, body};
+}
+
+// The size of the next document; no width and no height when there is none.
+Outcome tellDocument(Dialogue& dialogue, const Frame& frame) {
+  if (const auto refusal = readNoKeys(frame)) return *refusal;
+  const Device& device = dialogue.device;
+  GrantedScan granted;
+  if (dialogue.granted) {
+    granted = *dialogue.granted;
+  } else {
+    const Abilities can = device.profile.abilities();
+    granted.path = can.hasFeeder && (!device.feeder.isEmpty() || !can.hasFlatbed) ? Path::FeederOneSide : Path::Flatbed;
+    regrantResolution(device.profile, {true, 0, 0}, granted);
+  }
+  const Face face = nextFace(device, granted.path);
+  if (!face.file) return Reply{0, documentBody({})};
+  try {
+    const Rect sheet = placeFace(device.profile, granted, face);
+    return Reply{
+        0, documentBody({static_cast<std::uint16_t>(granted.dpiX), static_cast<std::uint16_t>(granted.dpiY),
+                         static_cast<std::uint32_t>(sheet.widthPx()), static_cast<std::uint32_t>(sheet.heightPx())})};
+  } catch (const Failure& failure) {
+    return Refusal{failure.what(), frame.bytes};
+  }
+}
+
 // The scan was over before the abort came: the host has its end already and reads no more.
 Outcome ignoreAbort(Dialogue& dialogue, const Frame& frame) {
   Abort abort;
@@ -78,6 +113,8 @@ std::span<const CommandRow> commands() {
       {"SSP", framedShape("SSP"), "granted settings", grantSettings},
       {"GKP", framedShape("GKP"), "panel keys", tellKeys},
       {"GCT", framedShape("GCT"), "palette", tellPalette},
+      {"GCP", framedShape("GCP"), "colour profiles", tellColorProfiles},
+      {"GDS", framedShape("GDS"), "document size", tellDocument},
       {"XSC", kTwoBytes, "start", startScan, true},
       {"ABT", {}, "abort", ignoreAbort},
   };

@@ -67,6 +67,8 @@ std::variant<GrantedScan, std::string> grantScan(const Profile& profile, const S
   if (!hasBit(can.compressions[color->compressPlace], static_cast<int>(settings.compression))) {
     return std::string("the profile does not offer this compression for the colour mode ") + color->name;
   }
+  if (settings.color == ColorMode::Automatic && !can.judgesColor) return "the profile does not offer automatic colour";
+  if (settings.findsDoubleFeeds && !can.findsDoubleFeeds) return "the profile does not offer to find double feeds";
   if (settings.color == ColorMode::Automatic && settings.compression != Compression::Jpeg) {
     return "automatic colour needs JPEG";
   }

@@ -5,8 +5,10 @@
 #include <cstring>
 
 #include "image/encode_jpeg.h"
+#include "image/judge.h"
 #include "image/palette.h"
 #include "image/resample.h"
+#include "image/rotate.h"
 #include "image/tone.h"
 #include "support/failure.h"
 
@@ -26,13 +28,30 @@ Axis axisAt(int sheetPx, double sheetDpi, int dpi, int maximumPx) {
   return {targetPx, sheetPx * (targetPx / wholePx)};
 }
 
+// Margins belong to the sheet: its guides hide them.
+void whitenMargins(Raster& sheet, const std::array<std::int64_t, 4>& margins, int dpiX, int dpiY) {
+  const auto px = [](std::int64_t tenths, int dpi, int limit) {
+    return static_cast<int>(std::clamp<std::int64_t>(tenths * dpi / 254, 0, limit));
+  };
+  const int left = px(margins[0], dpiX, sheet.widthPx), right = px(margins[1], dpiX, sheet.widthPx - left);
+  const int top = px(margins[2], dpiY, sheet.heightPx), bottom = px(margins[3], dpiY, sheet.heightPx - top);
+  for (int y = 0; y < sheet.heightPx; ++y) {
+    std::uint8_t* const line = sheet.line(y);
+    const bool isHidden = y < top || y >= sheet.heightPx - bottom;
+    const int leftPx = isHidden ? sheet.widthPx : left;
+    std::fill(line, line + leftPx * sheet.channels, std::uint8_t{255});
+    std::fill(line + (sheet.widthPx - right) * sheet.channels, line + sheet.lineBytes(), std::uint8_t{255});
+  }
+}
+
 // The sheet's pixels at the granted resolution; a bed or a back with nothing on it is white all over.
-Raster pixelsOf(const GrantedScan& scan, const PageSource& source) {
+Raster pixelsOf(const GrantedScan& scan, const PageSource& source, bool* isTooLong = nullptr) {
   const Face& measured = source.face.file ? source.face : source.sizeFrom;
   if (!measured.file) return Raster(scan.maximum.widthPx, scan.maximum.heightPx, 1, 255);
   Sheet sheet = measured.file->load(measured.page, scan.dpiX, scan.dpiY);
   const Axis x = axisAt(sheet.pixels.widthPx, sheet.dpiX, scan.dpiX, scan.maximum.widthPx);
   const Axis y = axisAt(sheet.pixels.heightPx, sheet.dpiY, scan.dpiY, scan.maximum.heightPx);
+  if (isTooLong != nullptr) *isTooLong = y.spanPx < sheet.pixels.heightPx;
   if (!source.face.file) return Raster(x.targetPx, y.targetPx, 1, 255);
   if (x.targetPx == sheet.pixels.widthPx && y.targetPx == sheet.pixels.heightPx) return std::move(sheet.pixels);
   return resample(sheet.pixels, {x.spanPx, y.spanPx}, x.targetPx, y.targetPx);
@@ -53,9 +72,13 @@ PageColor colorOf(const ScanSettings& settings) {
   return PageColor::Color;
 }
 
+int judgeLevel(std::optional<std::int64_t> wanted) {
+  return static_cast<int>(std::clamp<std::int64_t>(wanted.value_or(kJudgeLevels / 2), 0, kJudgeLevels - 1));
+}
+
 void encode(const GrantedScan& scan, Raster pixels, const PageOptions& options, Page& page) {
   const ScanSettings& settings = scan.settings;
-  page.color = colorOf(settings);
+  page.color = page.foundColor == PageColor::Color ? colorOf(settings) : PageColor::Grey;
   page.compression = settings.compression;
   if (settings.compression == Compression::Jpeg) {
     if (page.color == PageColor::Color && settings.jpegSampling == JpegSampling::Grey) page.color = PageColor::Grey;
@@ -105,22 +128,38 @@ Rect placeFace(const Profile& profile, const GrantedScan& scan, const Face& face
 
 Page makePage(const Profile& profile, const GrantedScan& scan, const StartSettings& start, const PageSource& source,
               const PageOptions& options) {
-  Raster sheet = pixelsOf(scan, source);
+  const ScanSettings& settings = scan.settings;
+  Page page;
+  Raster sheet = pixelsOf(scan, source, &page.isTooLong);
+  if (options.skewDegrees != 0 && !settings.deskew && source.face.file) sheet = rotate(sheet, options.skewDegrees);
+  whitenMargins(sheet, profile.abilities().of(scan.path).margins, scan.dpiX, scan.dpiY);
   const Rect sheetRect = placeSheet(profile, scan.path, {sheet.widthPx, sheet.heightPx}, scan.maximum);
   Rect area = scannedArea(start.areaKind, start.area, sheetRect, scan.reach);
   if (start.endsWithSheet) area.bottom = std::clamp(sheetRect.bottom, area.top + 1, area.bottom);
   checkSheetSize("the area to be scanned", area.widthPx(), area.heightPx());
 
-  Page page;
   page.widthPx = area.widthPx();
   page.heightPx = area.heightPx();
   page.tellsSize = start.areaKind != AreaKind::Normal;
+  // Of a fixed area the host knows the end; the device has nothing to say about what lies behind it.
+  page.isTooLong = page.isTooLong && page.tellsSize && scan.path != Path::Flatbed;
   Raster pixels = area == sheetRect ? std::move(sheet) : drawArea(sheet, sheetRect, area);
-  if (scan.settings.blankRemoval.isOn && isBlank(pixels)) {
+  const Switch& blanks = settings.blankRemoval;
+  if (blanks.isOn && isBlank(pixels, judgeLevel(blanks.level))) {
     page.isBlank = true;
     return page;
   }
-  adjustTone(pixels, static_cast<int>(scan.settings.brightness), static_cast<int>(scan.settings.contrast));
+  if (settings.color == ColorMode::Automatic) {
+    page.tellsColor = true;
+    page.foundColor =
+        judgeColor(pixels, judgeLevel(settings.colorLevel ? std::optional((*settings.colorLevel)[0]) : std::nullopt));
+  }
+  if (settings.backgroundRemoval.isOn) {
+    constexpr std::int64_t kUsualLevel = 96;
+    removeBackground(pixels, static_cast<int>(std::clamp<std::int64_t>(
+                                 settings.backgroundRemoval.level.value_or(kUsualLevel), 0, 255)));
+  }
+  adjustTone(pixels, static_cast<int>(settings.brightness), static_cast<int>(settings.contrast));
   encode(scan, std::move(pixels), options, page);
   return page;
 }

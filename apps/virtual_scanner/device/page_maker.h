@@ -10,6 +10,7 @@ namespace vscan {
 struct PageOptions {
   bool rawLines = false;  // send lines as they are where the host asked for run-length coding
   ColorLines colorLines = ColorLines::Rgb;
+  double skewDegrees = 0;  // how far off the sheets lie; a scan with deskew sees them straight
 };
 
 // The sheet's own face, or white of the size of the other side when it has no file.

@@ -8,7 +8,6 @@ namespace vscan {
 namespace {
 
 constexpr int kNeutral = 50;
-constexpr std::uint8_t kDark = 160;
 
 std::size_t bitLineBytes(const Raster& raster) { return (static_cast<std::size_t>(raster.widthPx) + 7) / 8; }
 
@@ -92,9 +91,14 @@ std::vector<std::uint8_t> diffuseError(const Raster& grey) {
   return bits;
 }
 
-bool isBlank(const Raster& raster) {
-  const auto dark = std::count_if(raster.pixels.begin(), raster.pixels.end(), [](auto pixel) { return pixel < kDark; });
-  return static_cast<std::size_t>(dark) * 5000 <= raster.pixels.size();  // 0.02 percent: dust
+void removeBackground(Raster& raster, int level) {
+  const int lightest = 255 - std::clamp(level, 0, 255) / 2;
+  const auto step = static_cast<std::ptrdiff_t>(raster.channels);
+  for (auto pixel = raster.pixels.begin(); pixel != raster.pixels.end(); pixel += step) {
+    if (std::all_of(pixel, pixel + step, [&](auto channel) { return channel >= lightest; })) {
+      std::fill(pixel, pixel + step, std::uint8_t{255});
+    }
+  }
 }
 
 }  // namespace vscan

@@ -22,7 +22,7 @@ Raster toColor(Raster raster);
 std::vector<std::uint8_t> threshold(const Raster& grey, int level);  // white from this level on
 std::vector<std::uint8_t> diffuseError(const Raster& grey);          // Floyd and Steinberg
 
-// True when next to nothing on the page is dark.
-bool isBlank(const Raster& raster);
+// Makes what is as light as the background white. level 0 to 255: the higher, the darker the background may be.
+void removeBackground(Raster& raster, int level);
 
 }  // namespace vscan

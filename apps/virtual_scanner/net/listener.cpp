@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -39,20 +40,6 @@ HostAndPort splitAddress(const std::string& text) {
   return {host, text.substr(colon + 1)};
 }
 
-std::string boundAddress(int fd) {
-  sockaddr_storage bound{};
-  socklen_t size = sizeof bound;
-  std::array<char, NI_MAXHOST> host{};
-  std::array<char, NI_MAXSERV> port{};
-  if (::getsockname(fd, reinterpret_cast<sockaddr*>(&bound), &size) != 0 ||
-      ::getnameinfo(reinterpret_cast<sockaddr*>(&bound), size, host.data(), host.size(), port.data(), port.size(),
-                    NI_NUMERICHOST | NI_NUMERICSERV) != 0) {
-    throw Failure("cannot tell the address that was taken");
-  }
-  const std::string name = host.data();
-  return (bound.ss_family == AF_INET6 ? "[" + name + "]" : name) + ":" + port.data();
-}
-
 UniqueFd newSocket(int family) { return UniqueFd(::socket(family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)); }
 
 sockaddr_un unixAddress(const std::string& path) {
@@ -77,6 +64,22 @@ bool isListenedOn(const sockaddr_un& address) {
 Listener::Listener(UniqueFd fd, std::string address, std::string socketPath)
     : fd_(std::move(fd)), address_(std::move(address)), socketPath_(std::move(socketPath)) {}
 
+Listener::Listener(UniqueFd tcp) : fd_(std::move(tcp)) {
+  sockaddr_storage bound{};
+  socklen_t size = sizeof bound;
+  std::array<char, NI_MAXHOST> host{};
+  std::array<char, NI_MAXSERV> port{};
+  if (::getsockname(fd_.get(), reinterpret_cast<sockaddr*>(&bound), &size) != 0 ||
+      ::getnameinfo(reinterpret_cast<sockaddr*>(&bound), size, host.data(), host.size(), port.data(), port.size(),
+                    NI_NUMERICHOST | NI_NUMERICSERV) != 0) {
+    throw Failure("cannot tell the address that was taken");
+  }
+  const std::string name = host.data();
+  address_ = (bound.ss_family == AF_INET6 ? "[" + name + "]" : name) + ":" + port.data();
+  port_ = static_cast<std::uint16_t>(std::strtoul(port.data(), nullptr, 10));
+  isLoopback_ = name == "::1" || name.starts_with("127.");
+}
+
 Listener::~Listener() {
   if (fd_ && !socketPath_.empty()) ::unlink(socketPath_.c_str());
 }
@@ -97,8 +100,7 @@ Listener Listener::onTcp(const std::string& hostAndPort) {
     const int on = 1;
     if (fd) ::setsockopt(fd.get(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     if (fd && ::bind(fd.get(), one->ai_addr, one->ai_addrlen) == 0 && ::listen(fd.get(), kBacklog) == 0) {
-      std::string address = boundAddress(fd.get());
-      return Listener(std::move(fd), std::move(address), {});
+      return Listener(std::move(fd));
     }
     lastError = errno;
   }

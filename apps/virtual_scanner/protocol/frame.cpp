@@ -14,6 +14,13 @@ bool isName(const std::string& text) {
          std::all_of(text.begin(), text.end(), [](char c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); });
 }
 
+// The first 0x80 that is not part of a character of several bytes, as a user's name may hold them.
+Bytes::const_iterator findEnd(const Bytes& bytes) {
+  auto end = std::find(bytes.begin(), bytes.end(), kEnd);
+  while (end != bytes.begin() && end != bytes.end() && *(end - 1) >= kEnd) end = std::find(end + 1, bytes.end(), kEnd);
+  return end;
+}
+
 }  // namespace
 
 Command parseFrame(Bytes bytes) {
@@ -59,8 +66,8 @@ Bytes FrameReader::takeFront(std::size_t count) {
 
 std::optional<Command> FrameReader::next() {
   if (pending_.empty()) return std::nullopt;
-  const auto end = std::find(pending_.begin(), pending_.end(), kEnd);
-  const auto wholeBytes = static_cast<std::size_t>(end - pending_.begin()) + 1;
+  const auto end = findEnd(pending_);
+  const auto wholeBytes = static_cast<std::size_t>(end - pending_.cbegin()) + 1;
   if (end != pending_.end() && wholeBytes <= kMaxFrameBytes) return parseFrame(takeFront(wholeBytes));
   if (pending_.front() != kEscape) {
     return BadFrame{takeFront(std::min(wholeBytes, pending_.size())), "a command begins with the byte 1B"};

@@ -1,8 +1,8 @@
 // Cuts the bytes of a connection into command frames:
 //   0x1B, mnemonic, 0x0A, any number of lines each ended by 0x0A, 0x80.
 // A line reads KEY=VALUE; two commands of the first generation have a line that is one word.
-// A frame has neither length nor checksum; 0x80 alone ends it. What is no frame comes out as a BadFrame, up to and
-// with its 0x80, so that the next command is found again.
+// A frame has neither length nor checksum; 0x80 ends it, where it is not part of a character in a user's name.
+// What is no frame comes out as a BadFrame, up to and with its 0x80, so that the next command is found again.
 // Threads: one.
 #pragma once
 #include <cstdint>

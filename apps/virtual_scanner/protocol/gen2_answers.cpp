@@ -3,7 +3,34 @@
 namespace vscan::gen2 {
 namespace {
 
-constexpr std::uint16_t kTerminator = 0xF0F0;
+enum Tag : std::uint16_t {
+  kSource = 0x2001,      // 1 feeder, 2 bed; a byte that means nothing
+  kResolution = 0x2002,  // x, y
+  kSize = 0x2003,        // the widest and longest picture at that resolution
+  kColorProfile = 0x3101,
+  kGreyProfile = 0x3102,
+  kTerminator = 0xF0F0,
+};
+
+void appendTag(Bytes& body, Tag tag, const Bytes& value) {
+  appendU16(body, tag);
+  appendU16(body, static_cast<std::uint16_t>(value.size()));
+  body.insert(body.end(), value.begin(), value.end());
+}
+
+Bytes resolution(std::uint16_t x, std::uint16_t y) {
+  Bytes value;
+  appendU16(value, x);
+  appendU16(value, y);
+  return value;
+}
+
+Bytes size(std::uint32_t widthPx, std::uint32_t heightPx) {
+  Bytes value;
+  appendU32(value, widthPx);
+  appendU32(value, heightPx);
+  return value;
+}
 
 }  // namespace
 
@@ -15,21 +42,30 @@ AnswerShape framedShape(const std::string& mnemonic) {
 }
 
 Bytes grantedBody(const GrantedValues& granted) {
+  Bytes source;
+  appendU8(source, granted.fromFeeder ? 1 : 2);
+  appendU8(source, 0);
   Bytes body;
-  appendU16(body, 0x2001);  // paper source: 1 feeder, 2 bed
-  appendU16(body, 2);
-  appendU8(body, granted.fromFeeder ? 1 : 2);
-  appendU8(body, 0);
-  appendU16(body, 0x2002);  // resolution
-  appendU16(body, 4);
-  appendU16(body, granted.resolutionX);
-  appendU16(body, granted.resolutionY);
-  appendU16(body, 0x2003);  // the widest and longest picture at that resolution
-  appendU16(body, 8);
-  appendU32(body, granted.maxWidthPx);
-  appendU32(body, granted.maxHeightPx);
-  appendU16(body, kTerminator);
-  appendU16(body, 0);
+  appendTag(body, kSource, source);
+  appendTag(body, kResolution, resolution(granted.resolutionX, granted.resolutionY));
+  appendTag(body, kSize, size(granted.maxWidthPx, granted.maxHeightPx));
+  appendTag(body, kTerminator, {});
+  return body;
+}
+
+Bytes profilesBody(const Bytes& color, const Bytes& grey) {
+  Bytes body;
+  appendTag(body, kColorProfile, color);
+  appendTag(body, kGreyProfile, grey);
+  appendTag(body, kTerminator, {});
+  return body;
+}
+
+Bytes documentBody(const DocumentSize& document) {
+  Bytes body;
+  appendTag(body, kResolution, resolution(document.resolutionX, document.resolutionY));
+  appendTag(body, kSize, size(document.widthPx, document.heightPx));
+  appendTag(body, kTerminator, {});
   return body;
 }
 

@@ -23,6 +23,19 @@ struct GrantedValues {
 // The body of the answer to SSP.
 Bytes grantedBody(const GrantedValues& granted);
 
+// The body of the answer to GCP: a colour and a grey profile.
+Bytes profilesBody(const Bytes& color, const Bytes& grey);
+
+struct DocumentSize {
+  std::uint16_t resolutionX = 0;
+  std::uint16_t resolutionY = 0;
+  std::uint32_t widthPx = 0;
+  std::uint32_t heightPx = 0;
+};
+
+// The body of the answer to GDS. No host is known that reads it; the tags are those of SSP's answer.
+Bytes documentBody(const DocumentSize& size);
+
 // What follows a good result in the answer to CKD: a document is there.
 inline constexpr std::uint8_t kDocumentThere = 0x80;
 

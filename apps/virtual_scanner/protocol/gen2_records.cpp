@@ -13,6 +13,7 @@ enum Status : std::uint8_t {
   kLine = 0x01,
   kBlock = 0x02,
   kPageSize = 0x11,
+  kPageColor = 0x12,
   kAllPagesEnd = 0x20,
   kPageEnd = 0x21,
   kBlankPageEnd = 0x22,
@@ -123,14 +124,22 @@ class SecondStream final : public Stream {
     return hasData ? SizeField{kSizeAt, 4} : SizeField{};
   }
 
-  // The size closes the page rather than opens it: a host that reads it first would take the page's form from it,
-  // which it does not tell, and a height that stands before the lines would count against them. A page that is found
-  // blank sends it as the record that names the page, without which its end would count for nothing.
+  // The size and the colour close the page rather than open it: a host that reads it first would take the page's form
+  // from it, which it does not tell, and a height that stands before the lines would count against them. A page that is
+  // found blank sends it as the record that names the page, without which its end would count for nothing.
   Bytes findings(std::uint16_t number, const Page& page) const override {
-    if (!page.tellsSize && !page.isBlank) return {};
-    Bytes record = ofPage(kPageSize, number);
-    appendSize(record, page);
-    return record;
+    Bytes records;
+    if (page.tellsColor) {
+      records = ofPage(kPageColor, number);
+      appendU8(records, formatByte(page.foundColor, page.compression));
+      appendU8(records, 0);
+    }
+    if (page.tellsSize || page.isBlank) {
+      const Bytes size = ofPage(kPageSize, number);
+      records.insert(records.end(), size.begin(), size.end());
+      appendSize(records, page);
+    }
+    return records;
   }
 
   Bytes failedCheck(FailedCheck check, std::uint16_t number, const Page& page) const override {

@@ -20,9 +20,11 @@ struct Page {
   Bytes data;                 // the JPEG file, or the lines without padding, not packed yet; colour as R, G, B
   std::size_t lineBytes = 0;  // of lines
   ColorLines colorLines = ColorLines::Rgb;
-  bool isBlank = false;    // only looked at when the host wants blank pages removed; no data then
-  bool isTooLong = false;  // the sheet goes on behind the device's length limit
-  bool tellsSize = false;  // the host left the size to the device
+  bool isBlank = false;     // only looked at when the host wants blank pages removed; no data then
+  bool isTooLong = false;   // the sheet goes on behind the device's length limit
+  bool tellsSize = false;   // the host left the size to the device
+  bool tellsColor = false;  // and the colour
+  PageColor foundColor = PageColor::Color;
 };
 
 }  // namespace vscan

@@ -19,8 +19,19 @@ struct Kind {
 using namespace std::string_view_literals;
 
 constexpr Kind kKinds[] = {
-    {"\x89PNG\r\n\x1A\n"sv, openPng},    {"\xFF\xD8\xFF"sv, openJpeg}, {"II*\0"sv, openTiff}, {"MM\0*"sv, openTiff},
-    {"II+\0"sv, openTiff} /* BigTIFF */, {"MM\0+"sv, openTiff},        {"%PDF-"sv, openPdf},
+    {"\x89PNG\r\n\x1A\n"sv, openPng},
+    {"\xFF\xD8\xFF"sv, openJpeg},
+    {"II*\0"sv, openTiff},
+    {"MM\0*"sv, openTiff},
+    {"II+\0"sv, openTiff} /* BigTIFF */,
+    {"MM\0+"sv, openTiff},
+    {"%PDF-"sv, openPdf},
+    {"P1"sv, openPnm},
+    {"P2"sv, openPnm},
+    {"P3"sv, openPnm},
+    {"P4"sv, openPnm},
+    {"P5"sv, openPnm},
+    {"P6"sv, openPnm},
 };
 
 }  // namespace
@@ -43,7 +54,7 @@ std::shared_ptr<const SheetFile> openSheetFile(const std::string& path) {
   for (const Kind& kind : kKinds) {
     if (firstBytes.starts_with(kind.firstBytes)) return kind.open(path);
   }
-  throw Failure(path + " is neither PNG, JPEG, TIFF nor PDF");
+  throw Failure(path + " is neither PNG, JPEG, TIFF, PNM nor PDF");
 }
 
 }  // namespace vscan

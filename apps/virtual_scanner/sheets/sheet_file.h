@@ -1,4 +1,4 @@
-// The pages of a picture file: PNG, JPEG, TIFF (every directory) or PDF (every page), told by their first bytes.
+// The pages of a picture file: PNG, JPEG, TIFF (every directory), PNM or PDF (every page), told by their first bytes.
 // A file without a resolution of its own counts as 300 dpi.
 // Threads: load() may be called by any.
 #pragma once
@@ -43,6 +43,7 @@ std::shared_ptr<const SheetFile> openSheetFile(const std::string& path);
 std::shared_ptr<const SheetFile> openPng(const std::string& path);
 std::shared_ptr<const SheetFile> openJpeg(const std::string& path);
 std::shared_ptr<const SheetFile> openTiff(const std::string& path);
+std::shared_ptr<const SheetFile> openPnm(const std::string& path);
 std::shared_ptr<const SheetFile> openPdf(const std::string& path);
 
 // Throws Failure for a picture without pixels or with more than kMaxSheetPixels.
