@@ -17,8 +17,21 @@ double pitchPx(const Page& page, std::int32_t mode) {
   return (isTold ? page.dpi() : mode == 2 ? 600 : 300) / kNeedlesPerInch;
 }
 
+struct SelDeleter {
+  void operator()(Sel* sel) const { selDestroy(&sel); }
+};
+
 PixPtr selectUpTo(const Pix& pix, int sidePx, int which) {
   return owned(pixSelectBySize(const_cast<Pix*>(&pix), sidePx, sidePx, 8, which, L_SELECT_IF_LTE, nullptr));
+}
+
+// What lies between bits that are less than size apart on a slant, rising or falling.
+PixPtr closeSlanting(Pix& pix, int size, bool isRising) {
+  const std::unique_ptr<Sel, SelDeleter> slant(selCreate(size, size, nullptr));
+  if (slant == nullptr) throw LibraryFailure();
+  selSetOrigin(slant.get(), size / 2, size / 2);
+  for (int i = 0; i < size; ++i) selSetElement(slant.get(), isRising ? size - 1 - i : i, i, SEL_HIT);
+  return owned(pixCloseSafe(nullptr, &pix, slant.get()));
 }
 
 // The pixels between dots that belong to a stroke.
@@ -28,6 +41,9 @@ PixPtr gapsBetweenDots(const Pix& ink, double pitch) {
   const int closed = std::max(2, static_cast<int>(std::lround(pitch)) + 1);
   const PixPtr dots = selectUpTo(*selectUpTo(ink, along, L_SELECT_IF_BOTH), thin, L_SELECT_IF_EITHER);
   const PixPtr strokes = owned(pixCloseSafeBrick(nullptr, dots.get(), closed, closed));
+  for (const bool isRising : {false, true}) {
+    pixOr(strokes.get(), strokes.get(), closeSlanting(*dots, closed, isRising).get());
+  }
   return owned(pixSubtract(nullptr, strokes.get(), const_cast<Pix*>(&ink)));
 }
 

@@ -24,7 +24,7 @@ void fill(Page& page, int y, int x, int end, std::uint8_t value) {
 // A width in the record's unit, pixels or hundredths of a millimetre, as pixels on the page.
 int pxOf(std::int32_t width, bool isPixel, int dpi, int sidePx) {
   if (width <= 0) return 0;
-  const double px = isPixel ? width : width * (dpi > 0 ? dpi : 300) / 2540.0 + 0.5;
+  const double px = isPixel ? width : width / 2540.0 * (dpi > 0 ? dpi : 300) + 0.5;
   return px < sidePx ? static_cast<int>(px) : sidePx;
 }
 

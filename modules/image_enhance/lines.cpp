@@ -29,7 +29,7 @@ int pxOf(std::int32_t hundredths, double usualMm, const Page& page, int most) {
 }
 
 LineSize sizeOf(const orvalle_scan_api::IE_LINEREMOVAL& line, std::int32_t gap, const Page& page) {
-  const int thickness = pxOf(line.second, 1, page, 100);
+  const int thickness = pxOf(line.second, 0.7, page, 100);
   return {std::max(4 * thickness, pxOf(line.first, 15, page, 1 << 14)), thickness,
           gap > 0 ? pxOf(gap, 0, page, 100) : 0};
 }
@@ -60,8 +60,8 @@ bool removeLines(Page& page, const Request& request) {
   const orvalle_scan_api::_IE_PARAM& param = request.param;
   const PixPtr ink = inkBelow(page, page.isMono() ? 0 : paperLevel(histogramOf(page)) - kFaintest);
   const PixPtr mask = owned(pixCreate(page.widthPx, page.heightPx, 1));
-  const PixPtr kept = owned(pixCreate(page.widthPx, page.heightPx, 1));
   const PixPtr crossings = owned(pixCopy(nullptr, ink.get()));
+  int thickestPx = 0;
   for (const bool isVertical : {false, true}) {
     const orvalle_scan_api::IE_LINEREMOVAL& line = isVertical ? param.lineRemovalB : param.lineRemovalA;
     if (line.enable == 0) {
@@ -71,25 +71,21 @@ bool removeLines(Page& page, const Request& request) {
     const LineSize size = sizeOf(line, param.lineRemovalThird, page);
     const PixPtr runs = longRuns(ink, isVertical, size);
     const PixPtr across = open(ink, !isVertical, size.thicknessPx + 1, 1);
-    pixAnd(crossings.get(), crossings.get(), runs.get());
-    pixOr(kept.get(), kept.get(), across.get());
-    const PixPtr thin = owned(pixSubtract(nullptr, runs.get(), across.get()));
+    PixPtr thin = owned(pixSubtract(nullptr, runs.get(), across.get()));
+    if (!page.isMono()) {
+      // The rim that is too pale to count, but nothing of what crosses.
+      thin = owned(pixDilateBrick(nullptr, thin.get(), 5, 5));
+      pixSubtract(thin.get(), thin.get(), across.get());
+    }
     pixOr(mask.get(), mask.get(), thin.get());
+    pixAnd(crossings.get(), crossings.get(), runs.get());
+    thickestPx = std::max(thickestPx, size.thicknessPx);
   }
   // Where two lines cross, both go, unless it is a solid area.
-  if (param.lineRemovalA.enable != 0 && param.lineRemovalB.enable != 0) {
-    const int side =
-        std::max(sizeOf(param.lineRemovalA, 0, page).thicknessPx, sizeOf(param.lineRemovalB, 0, page).thicknessPx) + 1;
-    const PixPtr solid = owned(pixOpenBrick(nullptr, crossings.get(), side, side));
-    pixSubtract(crossings.get(), crossings.get(), solid.get());
-    pixOr(mask.get(), mask.get(), crossings.get());
-    pixSubtract(kept.get(), kept.get(), crossings.get());
-  }
-  if (page.isMono()) return paintFromAround(page, *mask, 0);
-  // The rim that is too pale to count, but nothing of what crosses.
-  const PixPtr rim = owned(pixDilateBrick(nullptr, mask.get(), 5, 5));
-  pixSubtract(rim.get(), rim.get(), kept.get());
-  return paintFromAround(page, *rim, 64);
+  const PixPtr solid = owned(pixOpenBrick(nullptr, crossings.get(), thickestPx + 1, thickestPx + 1));
+  pixSubtract(crossings.get(), crossings.get(), solid.get());
+  pixOr(mask.get(), mask.get(), crossings.get());
+  return paintFromAround(page, *mask, 64);
 }
 
 }  // namespace image_enhance

@@ -30,7 +30,7 @@ const std::uint8_t* nearest(Page& page, const Pix& mask, int x, int y, int dx, i
 }  // namespace
 
 bool paintFromAround(Page& page, const Pix& mask, int reachPx) {
-  constexpr int kDirections[][2] = {{-1, 0}, {1, 0}, {0, -1}, {0, 1}};
+  constexpr int kDirections[][2] = {{-1, 0}, {1, 0}, {0, -1}, {0, 1}, {-1, -1}, {1, -1}, {-1, 1}, {1, 1}};
   return forEachMasked(page, mask, [&](int x, int y) {
     if (page.isMono()) return whiten(page, x, y);
     std::uint8_t found[3] = {255, 255, 255};

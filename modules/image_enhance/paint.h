@@ -25,8 +25,9 @@ bool forEachMasked(const PageForm& page, const Pix& mask, Paint paint) {
   return hasAny;
 }
 
-// Every masked pixel becomes the brightest of the nearest unmasked ones to its left, right, top and bottom, no farther
-// than reachPx away; where there are none, white. On a mono page, white. False: the mask is empty.
+// Every masked pixel becomes the brightest of the nearest unmasked ones in eight directions (where two lines cross, the
+// four straight ones all lead along a line), no more than reachPx steps away; where there are none, white. On a mono
+// page, white. False: the mask is empty.
 bool paintFromAround(Page& page, const Pix& mask, int reachPx);
 
 // Every masked pixel becomes this colour; on a mono page, white.

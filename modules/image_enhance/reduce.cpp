@@ -16,7 +16,7 @@ int grayShift(const Request& request) {
 // The paper between the ink made equally bright, so that one threshold fits shaded and tinted parts as well. Null where
 // too little of the page is paper to tell.
 PixPtr evenBackground(const Page& page, const Histogram& histogram, const orvalle_scan_api::IE_AUTOTHRESHOLD& wanted) {
-  constexpr int kInkBelow = 100;
+  constexpr int kInkBelow = 60;
   constexpr int kPaperValue = 220;
   const int tileX = std::clamp<int>(wanted.first[0], 16, 200);
   const int tileY = std::clamp<int>(wanted.first[1], 16, 200);

@@ -67,7 +67,7 @@ void averageAlike(Page& page, int tolerance) {
 bool smooth(Page& page, const Request& request) {
   const double level = std::clamp(request.param.smoothingLevel, -50, 50) / 50.0;
   if (request.param.smoothingMode == 0) {
-    blur(page, 0.8 * std::exp2(level) * page.dpi() / 300);
+    blur(page, std::exp2(1.25 * level) * page.dpi() / 300);
   } else {
     averageAlike(page, static_cast<int>(24 * std::exp2(1.5 * level)));
   }

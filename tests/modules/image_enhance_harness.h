@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -112,6 +113,15 @@ inline void writeText(Sheet& sheet, Rect rect, int points = 10, Ink ink = kBlack
     while (widthOf(line + kWords[next % std::size(kWords)]) < rect.width)
       line += std::string(kWords[next++ % std::size(kWords)]) + " ";
     sheet.text(rect.x, y, line, points, ink);
+  }
+}
+
+// Every channel shifted by up to levels either way, the same in every run.
+inline void addGrain(Sheet& sheet, int levels) {
+  std::minstd_rand random(7);
+  for (std::uint8_t& value : sheet.pixels) {
+    const int shift = static_cast<int>(random() >> 8) % (2 * levels + 1) - levels;
+    value = static_cast<std::uint8_t>(std::clamp(value + shift, 0, 255));
   }
 }
 
@@ -278,7 +288,7 @@ inline void leavePicture(const std::string& name, const Sheet& before, Rect show
     pixRasterop(pair, x, kFramePx, pixGetWidth(part), pixGetHeight(part), PIX_SRC, part, 0, 0);
     x += pixGetWidth(part) + kFramePx;
   }
-  Pix* const small = pixOctreeQuantByPopulation(pair, 4, 0);
+  Pix* const small = pixOctreeColorQuant(pair, 128, 0);
   pixWrite((std::string(folder) + "/" + name + ".png").c_str(), small != nullptr ? small : pair, IFF_PNG);
   Pix* all[] = {parts[0], parts[1], pair, small};
   for (Pix* pix : all) pixDestroy(&pix);
