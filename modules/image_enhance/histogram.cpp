@@ -6,8 +6,6 @@
 namespace image_enhance {
 namespace {
 
-// Kinds of brightness whose means are closer than this are grain of one and the same paper.
-constexpr double kDistinctLevels = 32;
 constexpr int kDarkestPaper = 128;
 constexpr int kPaperGrain = 8;  // levels about the paper's own that belong to it
 
@@ -28,7 +26,7 @@ Histogram histogramOf(const Page& page) {
   return counts[0];
 }
 
-int automaticThreshold(const Histogram& histogram) {
+int automaticThreshold(const Histogram& histogram, int distinctLevels) {
   double total = 0;
   double sum = 0;
   for (std::size_t i = 0; i < 256; ++i) {
@@ -56,7 +54,7 @@ int automaticThreshold(const Histogram& histogram) {
     // Levels that no pixel has leave the value as it was: the threshold stands in their middle.
     if (between == best) last = static_cast<int>(i);
   }
-  return bestDistance < kDistinctLevels ? 128 : (first + last) / 2 + 1;
+  return bestDistance < distinctLevels ? 128 : (first + last) / 2 + 1;
 }
 
 int paperLevel(const Histogram& histogram) {

@@ -15,9 +15,12 @@ using Histogram = std::array<std::uint32_t, 256>;
 // Of a grey or colour page.
 Histogram histogramOf(const Page& page);
 
+// Two kinds of brightness whose means are closer than this are the grain of one and the same paper.
+inline constexpr int kDistinctLevels = 22;
+
 // The threshold that parts ink from paper best (Otsu): darker is ink. 128 where the page has no two kinds of brightness
-// that deserve the name, so that a blank page stays blank.
-int automaticThreshold(const Histogram& histogram);
+// that are so distinct, so that a blank page stays blank.
+int automaticThreshold(const Histogram& histogram, int distinctLevels = kDistinctLevels);
 
 // The brightness that most of the paper has. 255 where nothing bright covers as much as a sheet shows between its
 // lines.

@@ -57,4 +57,7 @@ inline std::uint8_t luma(const std::uint8_t* bgr) {
   return static_cast<std::uint8_t>((117u * bgr[0] + 601u * bgr[1] + 306u * bgr[2]) >> 10);
 }
 
+// The brightness of a grey or colour page as a page of its own.
+Page grayOf(const Page& page);
+
 }  // namespace image_enhance

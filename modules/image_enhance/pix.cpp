@@ -55,16 +55,6 @@ PixPtr grayPix(const Page& page) {
   return pix;
 }
 
-void takeGray(const Pix& gray, Page& page) {
-  const auto wordsPerLine = static_cast<std::size_t>(pixGetWpl(mutablePix(gray)));
-  std::vector<std::uint8_t> line(wordsPerLine * 4);
-  for (int y = 0; y < page.heightPx; ++y) {
-    const l_uint32* const from = words(gray, y);
-    for (std::size_t i = 0; i < wordsPerLine; ++i) bytesOf(from[i], &line[4 * i]);
-    std::memcpy(page.line(y), line.data(), page.lineBytes());
-  }
-}
-
 PixPtr inkBelow(const Page& page, int level) {
   PixPtr pix = owned(pixCreate(page.widthPx, page.heightPx, 1));
   const auto wordsPerLine = static_cast<std::size_t>(pixGetWpl(pix.get()));

@@ -32,9 +32,8 @@ using BoxaPtr = std::unique_ptr<Boxa, BoxaDeleter>;
 PixPtr owned(Pix* pix);
 BoxaPtr owned(Boxa* boxes);
 
-// An 8-bit picture of the page's brightness, and back. The page is not mono.
+// An 8-bit picture of the page's brightness. The page is not mono.
 PixPtr grayPix(const Page& page);
-void takeGray(const Pix& gray, Page& page);
 
 // The ink of a page: what is darker than level; of a mono page, all that is black.
 PixPtr inkBelow(const Page& page, int level);

@@ -1,6 +1,7 @@
 // Automatic rotation: text that lies on its side or on its head is turned upright.
 #include <cmath>
 
+#include "background.h"
 #include "histogram.h"
 #include "pix.h"
 #include "steps.h"
@@ -10,6 +11,14 @@ namespace {
 
 constexpr int kFinestDpi = 300;       // the library knows the shapes of text at 150 to 300 dpi
 constexpr int kSmallestSidePx = 100;  // nothing worth reading is smaller
+
+PixPtr inkOf(const Page& page) {
+  if (page.isMono()) return inkBelow(page, 0);
+  const int tilePx = page.pxOfMm(4);
+  Page gray = grayOf(page);
+  whitenPaper(gray, tilePx, tilePx, 2);
+  return inkBelow(gray, automaticThreshold(histogramOf(gray)));
+}
 
 // The library counts letters that rise above and hang below their lines, as standard deviations from chance: positive
 // for one direction, negative for its opposite. Text in the other two directions gives little.
@@ -22,7 +31,7 @@ bool isCertain(float confidence, float other) {
 // How many quarter turns clockwise make the text upright; 0 where that is not certain.
 int quarterTurns(const Page& page) {
   if (std::min(page.widthPx, page.heightPx) < kSmallestSidePx) return 0;
-  PixPtr ink = inkBelow(page, page.isMono() ? 0 : automaticThreshold(histogramOf(page)));
+  PixPtr ink = inkOf(page);
   for (int dpi = page.dpi(); dpi > kFinestDpi * 4 / 3 && pixGetWidth(ink.get()) >= 2 * kSmallestSidePx &&
                              pixGetHeight(ink.get()) >= 2 * kSmallestSidePx;
        dpi /= 2) {

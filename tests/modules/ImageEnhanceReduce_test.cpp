@@ -93,7 +93,7 @@ TEST(ImageEnhanceReduce, FindsTheThresholdWhereNoneIsGiven) {
 TEST(ImageEnhanceReduce, KeepsABlankPageBlank) {
   for (const Ink paper : {kWhite, Ink{225, 220, 205}, Ink{140, 140, 140}}) {
     Sheet sheet(1000, 1000, paper);
-    addGrain(sheet, 6);
+    addGrain(sheet, 8);
     for (const bool isAutomatic : {false, true}) {
       _IE_PARAM param = classOf(1);
       param.doAutoThreshold = isAutomatic;
@@ -113,7 +113,7 @@ TEST(ImageEnhanceReduce, EvensShadedPaperForTheAutomaticThreshold) {
   Sheet shaded = drawn;
   for (int y = 0; y < shaded.heightPx; ++y) {
     for (int x = 0; x < shaded.widthPx; ++x) {
-      const double light = 1 - 0.55 * x / shaded.widthPx;
+      const double light = 1 - 0.68 * x / shaded.widthPx;
       Ink ink = drawn.at(x, y);
       for (std::uint8_t& value : ink) value = static_cast<std::uint8_t>((value * 0.55 + 115) * light * 255 / 256);
       shaded.set(x, y, ink);
