@@ -12,14 +12,16 @@ _IE_PARAM classOf(std::int32_t colorClass) {
   return param;
 }
 
-// Text on the left, a grey wedge from black to white on the right.
+// Text on the left, a grey wedge from black to white and three inks on the right.
 Sheet textAndWedge() {
   Sheet sheet(900, 300);
   writeText(sheet, {30, 10, 400, 270});
   for (int x = 0; x < 400; ++x) {
     const auto level = static_cast<std::uint8_t>(x * 255 / 399);
-    sheet.fill({470 + x, 30, 1, 240}, {level, level, level});
+    sheet.fill({470 + x, 30, 1, 220}, {level, level, level});
   }
+  const Ink inks[] = {kRed, kGreen, kBlue};
+  for (int i = 0; i < 3; ++i) sheet.fill({470 + i * 140, 260, 120, 30}, inks[i]);
   return sheet;
 }
 
@@ -163,6 +165,7 @@ TEST(ImageEnhanceReduce, KeepsShadesAsDensityByErrorDiffusion) {
     EXPECT_NEAR(meanLevel(dots, patch), meanLevel(sheet, patch), 8) << x;
   }
   EXPECT_EQ(countDark(dots, {0, 0, 20, 300}), 0);
+  leavePicture("reduce-grey", sheet, enhance(sheet, classOf(3)).sheet, sheet.whole(), 0.4F);
   _IE_PARAM threshold = classOf(1);
   threshold.threshold = 128;
   const Sheet mono = enhance(sheet, threshold).sheet;

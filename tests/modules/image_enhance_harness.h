@@ -282,15 +282,20 @@ inline void leavePicture(const std::string& name, const Sheet& before, Rect show
   }
   const int height = std::max(pixGetHeight(parts[0]), pixGetHeight(parts[1]));
   Pix* const pair = pixCreate(pixGetWidth(parts[0]) + pixGetWidth(parts[1]) + 3 * kFramePx, height + 2 * kFramePx, 32);
-  pixSetAllArbitrary(pair, 0x8090A000);
+  pixSetAllArbitrary(pair, 0x90909000);
   int x = kFramePx;
   for (Pix* part : parts) {
     pixRasterop(pair, x, kFramePx, pixGetWidth(part), pixGetHeight(part), PIX_SRC, part, 0, 0);
     x += pixGetWidth(part) + kFramePx;
   }
-  Pix* const small = pixOctreeColorQuant(pair, 128, 0);
-  pixWrite((std::string(folder) + "/" + name + ".png").c_str(), small != nullptr ? small : pair, IFF_PNG);
-  Pix* all[] = {parts[0], parts[1], pair, small};
+  // Few shades make a small file.
+  l_float32 seen = 0;
+  l_float32 colored = 0;
+  pixColorFraction(pair, 0, 255, 30, 1, &seen, &colored);
+  Pix* const gray = pixConvertRGBToLuminance(pair);
+  Pix* const small = colored > 0 ? pixOctreeColorQuant(pair, 128, 0) : pixThresholdOn8bpp(gray, 32, 1);
+  pixWrite((std::string(folder) + "/" + name + ".png").c_str(), small, IFF_PNG);
+  Pix* all[] = {parts[0], parts[1], pair, gray, small};
   for (Pix* pix : all) pixDestroy(&pix);
 }
 
