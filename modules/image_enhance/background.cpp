@@ -15,7 +15,10 @@ struct PaperMap {
   int rows;
   std::vector<float> levels;
 
-  float& at(int column, int row) { return levels[static_cast<std::size_t>(row * columns + column)]; }
+  std::size_t index(int column, int row) const {
+    return static_cast<std::size_t>(row) * static_cast<std::size_t>(columns) + static_cast<std::size_t>(column);
+  }
+  float& at(int column, int row) { return levels[index(column, row)]; }
 };
 
 // The brightness that a quarter of the pixels reach.
@@ -78,7 +81,7 @@ void fillUnknown(PaperMap& map) {
       for (int column = 0; column < map.columns; ++column) {
         if (map.at(column, row) != 0) continue;
         const float mean = meanAround(map, column, row, 1);
-        filled[static_cast<std::size_t>(row * map.columns + column)] = mean;
+        filled[map.index(column, row)] = mean;
         hasFilled = hasFilled || mean != 0;
       }
     }
@@ -90,7 +93,7 @@ void average(PaperMap& map, int reach) {
   std::vector<float> averaged(map.levels.size());
   for (int row = 0; row < map.rows; ++row) {
     for (int column = 0; column < map.columns; ++column) {
-      averaged[static_cast<std::size_t>(row * map.columns + column)] = meanAround(map, column, row, reach);
+      averaged[map.index(column, row)] = meanAround(map, column, row, reach);
     }
   }
   map.levels = std::move(averaged);

@@ -11,7 +11,7 @@ constexpr int kFaintest = 40;  // levels below the paper from which something co
 // specks of up to 1.2 by 1.2 and 5 clear pixels around them, at 100 dpi.
 int scaled(std::int32_t hundredths, std::int32_t baseDpi, const Page& page) {
   const double px = std::clamp(hundredths, 0, 5000) / 100.0 * page.dpi() / std::clamp(baseDpi, 25, 4800);
-  return std::clamp(static_cast<int>(px + 0.5), 1, 128);
+  return std::clamp(static_cast<int>(std::lround(px)), 1, 128);
 }
 
 }  // namespace

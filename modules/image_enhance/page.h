@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -37,7 +38,7 @@ struct PageForm {
     return told <= 0 ? 300 : std::clamp(told, 50, 4800);
   }
   // A length on the paper in pixels, to the nearest.
-  int pxOfMm(double mm) const { return static_cast<int>(mm * dpi() / 25.4 + 0.5); }
+  int pxOfMm(double mm) const { return static_cast<int>(std::lround(mm * dpi() / 25.4)); }
 };
 
 struct Page : PageForm {
