@@ -1,0 +1,86 @@
+#include "blur.h"
+
+#include <cmath>
+#include <cstring>
+
+namespace image_enhance {
+namespace {
+
+std::vector<std::uint16_t> gaussWeights(double sigmaPx) {
+  const double sigma = std::clamp(sigmaPx, 0.3, 16.0);
+  const auto reach = static_cast<std::size_t>(std::ceil(2.5 * sigma));
+  std::vector<double> exact(reach + 1);
+  double sum = 0;
+  for (std::size_t i = 0; i <= reach; ++i) {
+    exact[i] = std::exp(-0.5 * static_cast<double>(i * i) / (sigma * sigma));
+    sum += i == 0 ? exact[i] : 2 * exact[i];
+  }
+  std::vector<std::uint16_t> weights(reach + 1);
+  int left = 256;
+  for (std::size_t i = 1; i <= reach; ++i) {
+    weights[i] = static_cast<std::uint16_t>(std::lround(256 * exact[i] / sum));
+    left -= 2 * weights[i];
+  }
+  weights[0] = static_cast<std::uint16_t>(left);
+  return weights;
+}
+
+}  // namespace
+
+Blur::Blur(const Page& page, double sigmaPx)
+    : page_(page),
+      weights_(gaussWeights(sigmaPx)),
+      ring_(2 * weights_.size() - 1, Line(page.lineBytes())),
+      padded_(page.lineBytes() + 2 * (weights_.size() - 1) * static_cast<std::size_t>(page.channels())),
+      sums_(page.lineBytes()),
+      line_(page.lineBytes()) {}
+
+void Blur::blurSideways(int y, Line& out) {
+  const auto channels = static_cast<std::size_t>(page_.channels());
+  const std::size_t lineBytes = page_.lineBytes();
+  const std::size_t reach = weights_.size() - 1;
+  const std::uint8_t* const line = page_.line(y);
+  for (std::size_t i = 0; i < reach; ++i) {
+    std::memcpy(&padded_[i * channels], line, channels);
+    std::memcpy(&padded_[(reach + i) * channels + lineBytes], line + lineBytes - channels, channels);
+  }
+  std::memcpy(&padded_[reach * channels], line, lineBytes);
+
+  const std::uint8_t* const center = &padded_[reach * channels];
+  for (std::size_t x = 0; x < lineBytes; ++x) out[x] = static_cast<std::uint16_t>(weights_[0] * center[x]);
+  for (std::size_t i = 1; i <= reach; ++i) {
+    const std::uint8_t* const before = center - i * channels;
+    const std::uint8_t* const after = center + i * channels;
+    const unsigned weight = weights_[i];
+    for (std::size_t x = 0; x < lineBytes; ++x) {
+      out[x] = static_cast<std::uint16_t>(out[x] + weight * (before[x] + unsigned{after[x]}));
+    }
+  }
+}
+
+const std::uint8_t* Blur::nextLine() {
+  const int reach = static_cast<int>(weights_.size()) - 1;
+  const int size = static_cast<int>(ring_.size());
+  // The line beyond the last one is the last one again, and so is the one before the first.
+  while (read_ <= std::min(next_ + reach, page_.heightPx - 1)) {
+    blurSideways(read_, ring_[static_cast<std::size_t>(read_ % size)]);
+    ++read_;
+  }
+  const auto lineAt = [&](int y) -> const Line& {
+    return ring_[static_cast<std::size_t>(std::clamp(y, 0, page_.heightPx - 1) % size)];
+  };
+  const std::size_t lineBytes = page_.lineBytes();
+  const Line& center = lineAt(next_);
+  for (std::size_t x = 0; x < lineBytes; ++x) sums_[x] = (1u << 15) + unsigned{weights_[0]} * center[x];
+  for (int i = 1; i <= reach; ++i) {
+    const Line& before = lineAt(next_ - i);
+    const Line& after = lineAt(next_ + i);
+    const unsigned weight = weights_[static_cast<std::size_t>(i)];
+    for (std::size_t x = 0; x < lineBytes; ++x) sums_[x] += weight * (before[x] + unsigned{after[x]});
+  }
+  for (std::size_t x = 0; x < lineBytes; ++x) line_[x] = static_cast<std::uint8_t>(sums_[x] >> 16);
+  ++next_;
+  return line_.data();
+}
+
+}  // namespace image_enhance
