@@ -17,6 +17,13 @@ constexpr CAP kPresent = 2;
 constexpr char kProfileOption[] = "--icc-profile";
 constexpr int kMiddleOfBackground = 128;
 
+// Each member by itself, so that nothing comes into the gaps between them.
+template <typename Group>
+void switchOn(Group& group, int level) {
+  group.enable = 1;
+  group.level = static_cast<decltype(group.level)>(level);
+}
+
 std::optional<LevelRange> rangeOf(const VALUERANGE& range) { return LevelRange{range.min, range.max, range.def}; }
 
 std::optional<LevelRange> blankLevels(const Capability& c) {
@@ -47,9 +54,7 @@ constexpr Feature kFeatures[] = {
     {"--skip-blank", "Leave blank pages out; a higher LEVEL takes more pages for blank", true, false,
      "The device cannot tell blank pages",
      [](const Capability& c, COLORTYPE) { return c.blankRemoval.cap == kPresent; }, blankLevels,
-     [](Settings& s, int level) {
-       s.blankPageRemoval = {1, static_cast<std::uint32_t>(level)};
-     }},
+     [](Settings& s, int level) { switchOn(s.blankPageRemoval, level); }},
     {"--detect-multifeed", "Stop where two sheets are fed at once", false, false,
      "The device cannot detect two sheets fed at once",
      [](const Capability& c, COLORTYPE) { return c.multifeed == kPresent; }, nullptr,
@@ -59,9 +64,7 @@ constexpr Feature kFeatures[] = {
      [](const Capability&) -> std::optional<LevelRange> {
        return LevelRange{0, 255, kMiddleOfBackground};
      },
-     [](Settings& s, int level) {
-       s.removeBackground = {1, level};
-     }},
+     [](Settings& s, int level) { switchOn(s.removeBackground, level); }},
     {"--carrier-sheet", "The sheet lies in a carrier sheet", false, false, "The device takes no carrier sheet",
      [](const Capability& c, COLORTYPE) { return c.carrierSheet == kPresent; }, nullptr,
      [](Settings& s, int) { s.carrierSheet = 1; }},
@@ -77,22 +80,19 @@ constexpr Feature kFeatures[] = {
     {"--sharpen", "Sharpen edges; LEVEL 1 to 5", true, true, "Edges cannot be sharpened",
      [](const Capability& c, COLORTYPE) { return c.edgeEnhance.cap == kPresent; },
      [](const Capability& c) { return rangeOf(c.edgeEnhance.level); },
-     [](Settings& s, int level) {
-       s.edgeEnhance = {1, level};
-     }},
+     [](Settings& s, int level) { switchOn(s.edgeEnhance, level); }},
     {"--smooth", "Even out paper and print; LEVEL -50 to 50", true, false, "Pages cannot be smoothed",
      [](const Capability& c, COLORTYPE) { return c.smoothing.cap == kPresent; },
      [](const Capability& c) { return rangeOf(c.smoothing.level); },
      [](Settings& s, int level) {
        constexpr std::uint8_t kKeepEdges = 1;
-       s.smoothing = {1, kKeepEdges, level};
+       s.smoothing.mode = kKeepEdges;
+       switchOn(s.smoothing, level);
      }},
     {"--thicken-text", "Make thin strokes thicker; LEVEL 1 to 5", true, false, "Text cannot be thickened",
      [](const Capability& c, COLORTYPE) { return c.thickText.cap == kPresent; },
      [](const Capability& c) { return rangeOf(c.thickText.level); },
-     [](Settings& s, int level) {
-       s.thickText = {1, level};
-     }},
+     [](Settings& s, int level) { switchOn(s.thickText, level); }},
     {"--join-dots", "Join the dots of needle-printed letters", false, false, "Dots cannot be joined",
      [](const Capability& c, COLORTYPE) { return c.dotTextCombine == kPresent; }, nullptr,
      [](Settings& s, int) { s.dotTextCombine = 1; }},

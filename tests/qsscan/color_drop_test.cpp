@@ -19,7 +19,8 @@ Capability dropping(FLAG red, FLAG green, FLAG blue, FLAG chromatic, std::int32_
 }
 
 QS_SCANNER_PARAMETERS dropped(const char* text, const Capability& capability = dropping(1, 1, 1, 1, 1)) {
-  QS_SCANNER_PARAMETERS settings{};
+  QS_SCANNER_PARAMETERS settings;
+  std::memset(&settings, 0, sizeof settings);  // the gaps between members too, since records are compared as bytes
   setColorDrop(findColorDrop(text).value(), 25, capability, settings);
   return settings;
 }
@@ -29,7 +30,8 @@ TEST(ColorDrop, NamesSelectThePresets) {
   EXPECT_TRUE(dropped("Green").colorDrop.green);
   EXPECT_TRUE(dropped("BLUE").colorDrop.blue);
   EXPECT_TRUE(dropped("all").colorDrop.chromatic);
-  QS_SCANNER_PARAMETERS expected{};
+  QS_SCANNER_PARAMETERS expected;
+  std::memset(&expected, 0, sizeof expected);
   expected.colorDrop.enable = expected.colorDrop.red = 1;
   const auto made = dropped("red");
   EXPECT_EQ(std::memcmp(&made, &expected, sizeof made), 0) << "nothing but the preset is set";

@@ -37,7 +37,8 @@ const Feature* find(const std::string& option) {
 
 Settings settingsWith(const char* option, std::optional<int> level = {},
                       const Capability& capability = ableCapability(), COLORTYPE mode = COLORTYPE_COLOR24BIT) {
-  Settings settings{};
+  Settings settings;
+  std::memset(&settings, 0, sizeof settings);  // the gaps between members too, since records are compared as bytes
   settings.colorType = mode;
   const FeatureWish wish{find(option), level};
   setFeatures({&wish, 1}, capability, settings);
@@ -115,7 +116,8 @@ TEST(ScanFeatures, EachSetsItsFieldsOfTheRecord) {
   }
   for (const Row& row : kRows) {
     SCOPED_TRACE(row.option);
-    Settings expected{};
+    Settings expected;
+    std::memset(&expected, 0, sizeof expected);
     expected.colorType = COLORTYPE_COLOR24BIT;
     row.expect(expected);
     const Settings made = settingsWith(row.option, row.level);
