@@ -240,7 +240,10 @@ TEST_F(DeviceAccess, ADeviceThatTakesNothingEndsTheWriteAfterTenSeconds) {
 }
 
 TEST_F(DeviceAccess, WritingToAVanishedDeviceFailsWithoutASignal) {
-  LoopbackDevice device([](const Client& client) { client.resetOnClose(); });
+  LoopbackDevice device([](const Client& client) {
+    client.receive(1);  // so that it is there while the connection is looked at
+    client.resetOnClose();
+  });
   connect(device);
   int written = 1;
   for (int i = 0; i < 200 && written > 0; ++i) {
