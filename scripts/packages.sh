@@ -1,7 +1,7 @@
 # Debian packages by what they are needed for, and the one way to install what is missing. Sourced by the scripts.
 
 qs_build_packages=(g++ cmake ninja-build pkg-config
-  libjpeg62-turbo-dev libpng-dev libtiff-dev libqpdf-dev libcli11-dev nlohmann-json3-dev libpoppler-cpp-dev)
+  libusb-1.0-0-dev libjpeg62-turbo-dev libpng-dev libtiff-dev libqpdf-dev libcli11-dev nlohmann-json3-dev libpoppler-cpp-dev)
 qs_test_packages=(libgtest-dev libbenchmark-dev)
 qs_check_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
 
