@@ -49,6 +49,7 @@ Outcome UsbTransport::submitAll() {
     const int error = ring_[i]->error();
     if (i == 0 || error != ENOMEM) return usbOpenFailure(error);
     ring_.resize(i);  // the memory for USB transfers is used up by others: fewer of them work as well
+    break;
   }
   return {};
 }
