@@ -309,6 +309,34 @@ std::vector<int> openDescriptors() {
   return open;
 }
 
+int optionOf(int descriptor, int level, int option) {
+  int value = 0;
+  socklen_t valueBytes = sizeof(value);
+  getsockopt(descriptor, level, option, &value, &valueBytes);
+  return value;
+}
+
+TEST_F(DeviceAccess, ATcpConnectionSendsAtOnceAndIsProbedWhileSilent) {
+  for (const auto kind : {LoopbackDevice::Kind::Ipv4, LoopbackDevice::Kind::Ipv6}) {
+    LoopbackDevice device(stayOpen, kind);
+    if (!device.listening()) continue;
+    connect(device);
+    int ours = 0;
+    for (const int descriptor : openDescriptors()) {
+      sockaddr_in6 peer{};  // the port stands in the same place for both families
+      socklen_t peerBytes = sizeof(peer);
+      if (getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &peerBytes) != 0) continue;
+      if (ntohs(peer.sin6_port) != device.port()) continue;
+      ++ours;
+      EXPECT_NE(optionOf(descriptor, IPPROTO_TCP, TCP_NODELAY), 0);
+      EXPECT_NE(optionOf(descriptor, SOL_SOCKET, SO_KEEPALIVE), 0);
+      EXPECT_LE(optionOf(descriptor, IPPROTO_TCP, TCP_KEEPIDLE), 60);
+    }
+    EXPECT_EQ(ours, 1);
+    access_->Close();
+  }
+}
+
 TEST_F(DeviceAccess, ItsDescriptorsAreNotInheritedAndNoneIsLeft) {
   for (const auto kind : {LoopbackDevice::Kind::Ipv4, LoopbackDevice::Kind::Unix}) {
     const std::vector<int> atFirst = openDescriptors();

@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <deque>
+#include <filesystem>
+#include <fstream>
 #include <mutex>
 
 #include "device_access_fixture.h"
@@ -232,6 +234,31 @@ TEST_F(DeviceUsbMock, SilenceIsATimeOutAndLosesNothing) {
   EXPECT_GE(elapsedMs_, 249);
   kernel_->sendWithoutEnd("whole packets only, as far as this transfer knows");
   EXPECT_EQ(read(0x40000, 5000), 49) << "a cancelled transfer gives what it holds";
+}
+
+// The value of a line of /proc/self/task/*/status, for the thread of that name.
+std::string threadStatus(const std::string& threadName, const std::string& key) {
+  for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+    std::ifstream status(task.path() / "status");
+    bool found = false;
+    for (std::string line; std::getline(status, line);) {
+      found = found || line == "Name:\t" + threadName;
+      if (found && line.starts_with(key + ":\t")) return line.substr(key.size() + 2);
+    }
+  }
+  return {};
+}
+
+TEST_F(DeviceUsbMock, TheThreadThatWatchesForDevicesTakesNoSignals) {
+  ASSERT_NO_FATAL_FAILURE(connectUsb());
+  std::string blocked;
+  for (int i = 0; i < 1000 && blocked.empty(); ++i) {  // until the thread has named itself
+    blocked = threadStatus("libusb_event", "SigBlk");
+    sleepMs(1);
+  }
+  ASSERT_FALSE(blocked.empty());
+  constexpr unsigned long kAllButKillAndStop = 0x7ffbfeff;  // of the 31 signals that are not real-time ones
+  EXPECT_EQ(std::stoul(blocked, nullptr, 16) & 0x7fffffff, kAllButKillAndStop) << blocked;
 }
 
 TEST_F(DeviceUsbMock, FindsTheDeviceByItsSerialNumber) {
