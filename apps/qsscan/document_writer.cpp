@@ -3,6 +3,8 @@
 #include "jpeg_writer.h"
 #include "pdf_writer.h"
 #include "png_writer.h"
+#include "pnm_writer.h"
+#include "tiff_writer.h"
 
 namespace qsscan {
 
@@ -12,12 +14,14 @@ std::unique_ptr<DocumentWriter> makeWriter(Format format, std::FILE* stream, con
       return std::make_unique<PngWriter>(stream);
     case Format::kJpeg:
       return std::make_unique<JpegWriter>(stream, options.jpegQuality);
+    case Format::kPnm:
+      return std::make_unique<PnmWriter>(stream);
+    case Format::kTiff:
+      return std::make_unique<TiffWriter>(stream, options);
     case Format::kPdf:
       break;
   }
   return std::make_unique<PdfWriter>(stream, options);
 }
-
-bool holdsManyPages(Format format) { return format == Format::kPdf; }
 
 }  // namespace qsscan

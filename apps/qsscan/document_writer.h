@@ -1,20 +1,19 @@
-// One document file in the making: a PDF of any number of pages, or a PNG or JPEG file of one.
+// One document file in the making: a PDF or TIFF of any number of pages, or a PNG, JPEG or PNM file of one.
 #pragma once
 
 #include <cstdio>
 #include <memory>
 #include <string>
 
+#include "format.h"
 #include "page.h"
 
 namespace qsscan {
 
-enum class Format { kPdf, kPng, kJpeg };
-
 struct WriterOptions {
   int jpegQuality = 90;    // 1 to 100
   bool lossless = false;   // PDF: no JPEG, whatever the page
-  std::string scratchDir;  // folder for the PDF writer's spool file
+  std::string scratchDir;  // folder for the spool file of a PDF or TIFF
 };
 
 // Failures throw CommandError (cannot write); the document is then of no use.
@@ -27,8 +26,5 @@ class DocumentWriter {
 
 // Writes to the stream, which is not owned and outlives the writer.
 std::unique_ptr<DocumentWriter> makeWriter(Format format, std::FILE* stream, const WriterOptions& options);
-
-// Whether one file holds any number of pages.
-bool holdsManyPages(Format format);
 
 }  // namespace qsscan

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "exit_codes.h"
+#include "line_order.h"
 #include "output_file.h"
 
 namespace qsscan {
@@ -58,9 +59,7 @@ struct Closer {
 std::vector<std::uint8_t> invertedLines(const Page& page) {
   std::vector<std::uint8_t> lines(page.lineBytes * static_cast<std::size_t>(page.heightPx));
   for (int y = 0; y < page.heightPx; ++y) {
-    const std::uint8_t* from = page.line(y);
-    std::uint8_t* to = lines.data() + static_cast<std::size_t>(y) * page.lineBytes;
-    for (std::size_t i = 0; i < page.lineBytes; ++i) to[i] = static_cast<std::uint8_t>(~from[i]);
+    copyInverted(page.line(y), page.lineBytes, lines.data() + static_cast<std::size_t>(y) * page.lineBytes);
   }
   return lines;
 }

@@ -35,7 +35,8 @@ void widen(const std::uint8_t* bits, int widthPx, std::uint8_t* bytes) {
 
 // No object with a destructor may live in this function: the library leaves it by a jump. widened has room for one
 // line of a black-and-white page.
-bool compress(const Page& page, int quality, std::FILE* stream, std::uint8_t* widened, ErrorManager* manager) {
+bool compress(const Page& page, int quality, std::FILE* stream, const IccProfile* profile, std::uint8_t* widened,
+              ErrorManager* manager) {
   jpeg_compress_struct info;
   info.err = jpeg_std_error(&manager->base);
   manager->base.error_exit = leave;
@@ -57,6 +58,9 @@ bool compress(const Page& page, int quality, std::FILE* stream, std::uint8_t* wi
   info.X_density = static_cast<UINT16>(page.dpiX);
   info.Y_density = static_cast<UINT16>(page.dpiY);
   jpeg_start_compress(&info, TRUE);
+  if (profile != nullptr) {
+    jpeg_write_icc_profile(&info, profile->bytes.data(), static_cast<unsigned>(profile->bytes.size()));
+  }
   for (int y = 0; y < page.heightPx; ++y) {
     const std::uint8_t* line = page.line(y);
     if (page.bitsPerPixel == 1) {
@@ -77,10 +81,11 @@ bool fitsJpeg(const Page& page) {
   return page.bitsPerPixel != 1 && page.widthPx <= kMaxSidePx && page.heightPx <= kMaxSidePx;
 }
 
-void writeJpeg(const Page& page, int quality, std::FILE* stream) {
+void writeJpeg(const Page& page, int quality, std::FILE* stream, bool withProfile) {
   std::vector<std::uint8_t> widened(page.bitsPerPixel == 1 ? static_cast<std::size_t>(page.widthPx) : 0);
+  const IccProfile* profile = withProfile ? page.fittingProfile() : nullptr;
   ErrorManager manager{};
-  if (compress(page, quality, stream, widened.data(), &manager)) return;
+  if (compress(page, quality, stream, profile, widened.data(), &manager)) return;
   throw CommandError(ExitCode::kCannotWrite,
                      "Page " + std::to_string(page.number) + " cannot be written as JPEG: " + manager.message + ".");
 }

@@ -10,9 +10,9 @@ namespace qsscan {
 // Whether the page can be a JPEG picture: 8 or 24 bits, and no side above 65500 pixels.
 bool fitsJpeg(const Page& page);
 
-// Writes the page with its resolution as JFIF density. Throws CommandError (cannot write), also when it does not fit.
-// A black-and-white page becomes grey.
-void writeJpeg(const Page& page, int quality, std::FILE* stream);
+// Writes the page with its resolution as JFIF density, and with its colour profile unless the file around it holds it.
+// Throws CommandError (cannot write), also when it does not fit. A black-and-white page becomes grey.
+void writeJpeg(const Page& page, int quality, std::FILE* stream, bool withProfile = true);
 
 class JpegWriter : public DocumentWriter {
  public:

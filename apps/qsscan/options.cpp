@@ -1,6 +1,7 @@
 #include "options.h"
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
@@ -24,6 +25,14 @@ struct RawOptions {
   std::string compression = "auto";
   std::string progress;
   CLI::Option* progressOption = nullptr;
+  std::string threshold;
+  std::string colorDrop;
+  struct Switch {
+    const Feature* feature;
+    CLI::Option* option = nullptr;
+    std::string level;
+  };
+  std::vector<Switch> features;
 };
 
 [[noreturn]] void refuse(const std::string& sentence) { throw CommandError(ExitCode::kUsage, sentence); }
@@ -39,7 +48,7 @@ std::string footer() {
 }
 
 std::string paperHelp() {
-  std::string text = "Paper: auto, WIDTHxHEIGHT in mm, or ";
+  std::string text = "Paper: auto, WIDTHxHEIGHT in mm, WIDTHxlong, or ";
   for (const PaperRow& row : paperTable()) text += std::string(&row == paperTable().data() ? "" : ", ") + row.name;
   return text + "; without it " + defaultPaperName();
 }
@@ -51,10 +60,24 @@ void addDeviceOptions(CLI::App& app, Options& options) {
   app.add_flag("--json", options.json, "Print the result as JSON on standard output");
 }
 
+// One for each row of the tables.
+void addTableOptions(CLI::App& app, RawOptions& raw) {
+  for (std::size_t i = 0; i < kToneControls.size(); ++i) {
+    app.add_option(kToneControls[i].option, raw.options.wish.tone[i], kToneControls[i].help);
+  }
+  for (const Feature& feature : featureTable()) raw.features.push_back({&feature, nullptr, ""});
+  for (RawOptions::Switch& row : raw.features) {
+    const Feature& feature = *row.feature;
+    row.option = feature.takesLevel
+                     ? app.add_option(feature.option, row.level, feature.help)->type_name("[LEVEL]")->expected(0, 1)
+                     : app.add_flag(feature.option, feature.help);
+  }
+}
+
 void addScanOptions(CLI::App& app, RawOptions& raw) {
   ScanWish& wish = raw.options.wish;
   app.add_option("-o,--output", raw.path, "Output file; - is standard output. Without it scan-DATE-TIME.pdf");
-  app.add_option("--format", raw.format, "pdf, png or jpeg; without it the ending of the file's name tells");
+  app.add_option("--format", raw.format, "pdf, tiff, png, jpeg or pnm; without it the ending of the file's name tells");
   app.add_option("--batch", raw.batch, "One file for each page, named by a pattern such as page%03d.png");
   app.add_option("--resolution", wish.resolutionDpi, "Dots per inch, one of those that info lists")
       ->capture_default_str();
@@ -72,9 +95,15 @@ void addScanOptions(CLI::App& app, RawOptions& raw) {
   app.add_option("-y", wish.heightMm, "Height of the area, in mm");
   app.add_option("--brightness", wish.brightness, "-50 to 50")->check(CLI::Range(-50, 50))->capture_default_str();
   app.add_option("--contrast", wish.contrast, "-50 to 50")->check(CLI::Range(-50, 50))->capture_default_str();
-  app.add_option("--threshold", wish.threshold, "For mono: 1 to 254, brighter becomes white")
-      ->check(CLI::Range(1, 254));
+  app.add_option("--threshold", raw.threshold,
+                 "For mono: 1 to 254, brighter becomes white; auto finds it on each page");
+  app.add_option("--color-drop", raw.colorDrop, "Leave a colour out: red, green, blue, all, or RRGGBB");
+  app.add_option("--color-drop-range", wish.colorDropRange, "With RRGGBB: degrees of hue that count as this colour")
+      ->check(CLI::Range(0, 180));
+  addTableOptions(app, raw);
   app.add_option("--pages", wish.pages, "End after this many pages")->check(CLI::Range(1, 100000));
+  app.add_option("--sheets", wish.sheets, "Feed this many sheets, where the device can count them")
+      ->check(CLI::Range(1, 100000));
   app.add_option("--quality", raw.options.writer.jpegQuality, "Quality of JPEG pictures, 1 to 100")
       ->check(CLI::Range(1, 100))
       ->capture_default_str();
@@ -111,6 +140,48 @@ void setSides(RawOptions& raw) {
   wish.bindShortEdge = raw.binding == "short";
 }
 
+// A whole number; nothing for any other text.
+std::optional<int> wholeNumber(const std::string& text) {
+  int value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
+void setThreshold(RawOptions& raw) {
+  if (raw.threshold.empty()) return;
+  ScanWish& wish = raw.options.wish;
+  wish.autoThreshold = raw.threshold == "auto";
+  if (wish.autoThreshold) return;
+  const auto value = wholeNumber(raw.threshold);
+  if (!value || *value < 1 || *value > 254) refuse("--threshold is auto or a number of 1 to 254.");
+  wish.threshold = static_cast<unsigned>(*value);
+}
+
+void setColors(RawOptions& raw) {
+  ScanWish& wish = raw.options.wish;
+  if (!raw.colorDrop.empty()) {
+    wish.colorDrop = findColorDrop(raw.colorDrop);
+    if (!wish.colorDrop) {
+      refuse("The colour \"" + raw.colorDrop + "\" is unknown. Write red, green, blue, all, or RRGGBB such as 00A0FF.");
+    }
+  }
+  const bool isOwnColor = wish.colorDrop && wish.colorDrop->preset == nullptr;
+  if (wish.colorDropRange && !isOwnColor) refuse("--color-drop-range belongs to --color-drop RRGGBB.");
+}
+
+void setFeatureWishes(RawOptions& raw) {
+  for (const RawOptions::Switch& row : raw.features) {
+    if (row.option->count() == 0) continue;
+    std::optional<int> level;
+    if (!row.level.empty()) {
+      level = wholeNumber(row.level);
+      if (!level) refuse(std::string("The level of ") + row.feature->option + " is a whole number.");
+    }
+    raw.options.wish.features.push_back({row.feature, level});
+  }
+}
+
 void finishScanOptions(RawOptions& raw) {
   Options& options = raw.options;
   if (!raw.mode.empty()) {
@@ -121,7 +192,16 @@ void finishScanOptions(RawOptions& raw) {
   }
   setSides(raw);
   setPaper(raw);
+  setThreshold(raw);
+  setColors(raw);
+  setFeatureWishes(raw);
   options.output = planOutput(raw.format, raw.path, raw.batch);
+  const FormatRow& format = rowOf(options.output.format);
+  if (wishesProfile(options.wish.features) && !format.holdsProfile) {
+    refuse(std::string("A ") + format.name +
+           " file holds no colour profile: leave out --icc-profile or use another "
+           "format.");
+  }
   if (raw.compression != "auto" && raw.compression != "lossless") refuse("The compression is auto or lossless.");
   options.writer.lossless = raw.compression == "lossless";
   if (raw.progressOption->count() > 0) {

@@ -1,7 +1,5 @@
 #include "output_set.h"
 
-#include <strings.h>
-
 #include <cctype>
 #include <cstdlib>
 #include <ctime>
@@ -12,29 +10,6 @@
 
 namespace qsscan {
 namespace {
-
-struct FormatRow {
-  const char* name;
-  Format format;
-};
-// The first name of a format is the ending of the files that we name.
-constexpr FormatRow kFormats[] = {
-    {"pdf", Format::kPdf}, {"png", Format::kPng}, {"jpg", Format::kJpeg}, {"jpeg", Format::kJpeg}};
-
-std::optional<Format> findFormat(std::string_view name) {
-  const std::string text(name);
-  for (const FormatRow& row : kFormats) {
-    if (strcasecmp(row.name, text.c_str()) == 0) return row.format;
-  }
-  return std::nullopt;
-}
-
-const char* endingOf(Format format) {
-  for (const FormatRow& row : kFormats) {
-    if (row.format == format) return row.name;
-  }
-  return "";
-}
 
 // The place of the ending's dot, or the end of the path where there is none.
 std::size_t endingStart(const std::string& path) {
@@ -50,7 +25,7 @@ std::string dateName(Format format) {
   ::localtime_r(&now, &local);
   char text[40];
   std::strftime(text, sizeof text, "scan-%Y%m%d-%H%M%S.", &local);
-  return std::string(text) + endingOf(format);
+  return std::string(text) + rowOf(format).ending;
 }
 
 std::string folderOf(const std::string& path) {
@@ -83,16 +58,17 @@ OutputPlan planOutput(std::string_view format, const std::string& path, const st
     const auto known = findFormat(format);
     if (!known) {
       throw CommandError(ExitCode::kUsage,
-                         "The format \"" + std::string(format) + "\" is unknown. There are pdf, png and jpeg.");
+                         "The format \"" + std::string(format) + "\" is unknown. There are " + formatNames() + ".");
     }
     plan.format = *known;
   } else if (!name.empty() && name != "-") {
     const std::size_t dot = endingStart(name);
     const auto known = dot < name.size() ? findFormat(name.substr(dot + 1)) : std::nullopt;
     if (!known) {
-      throw CommandError(ExitCode::kUsage, "The name \"" + name +
-                                               "\" does not tell the format: let it end in .pdf, .png or .jpg, or "
-                                               "give --format.");
+      throw CommandError(ExitCode::kUsage,
+                         "The name \"" + name +
+                             "\" does not tell the format: let it end in .pdf, .tif, .png, .jpg or .pnm, "
+                             "or give --format.");
     }
     plan.format = *known;
   }
@@ -163,14 +139,14 @@ void OutputSet::addPage(const Page& page) {
     writer_->addPage(page);
     pagesInFile_ = 1;
     close(batchName(plan_.batch, number));
-  } else if (holdsManyPages(plan_.format)) {
+  } else if (rowOf(plan_.format).holdsManyPages) {
     writer_->addPage(page);
     ++pagesInFile_;
   } else {
     // The first page waits under its temporary name until it is known whether more follow.
     if (number > 1 && plan_.path == "-") {
       throw CommandError(ExitCode::kCannotWrite,
-                         "Standard output takes one page in this format. Use --format pdf or --pages 1.");
+                         "Standard output takes one page in this format. Use --format pdf or tiff, or --pages 1.");
     }
     if (number == 2) {
       file_->setPath(numberedName(plan_.path, 1));

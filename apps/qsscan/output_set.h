@@ -47,7 +47,7 @@ class OutputSet {
  private:
   void open(const std::string& path);
   void close(const std::string& name);
-  bool onePagePerFile() const { return !plan_.batch.empty() || !holdsManyPages(plan_.format); }
+  bool onePagePerFile() const { return !plan_.batch.empty() || !rowOf(plan_.format).holdsManyPages; }
 
   OutputPlan plan_;
   WriterOptions options_;

@@ -3,9 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
+#include "icc_profile.h"
 #include "scan_image.h"
 
 namespace qsscan {
@@ -20,11 +22,17 @@ struct Page {
   int dpiY = 0;
   std::size_t lineBytes = 0;
   std::vector<std::uint8_t> pixels;
-  bool cutAtMaximum = false;  // the device ended the page at its maximum length
+  bool cutAtMaximum = false;                  // the device ended the page at its maximum length
+  std::shared_ptr<const IccProfile> profile;  // null where none was asked for or given
 
   // Line y of the picture, counted from its top.
   const std::uint8_t* line(int y) const {
     return pixels.data() + static_cast<std::size_t>(heightPx - 1 - y) * lineBytes;
+  }
+
+  // The profile where it describes pages of this depth, else null. Black and white needs none.
+  const IccProfile* fittingProfile() const {
+    return profile && profile->channels * 8 == bitsPerPixel ? profile.get() : nullptr;
   }
 };
 

@@ -101,8 +101,21 @@ bool PageFetcher::takePage() {
     outcome_.end = FetchOutcome::End::kBadPage;
     return false;
   }
+  if (settings_.wantColorProfile != 0 && !profileIsFetched_) fetchProfile();
+  page->profile = profile_;
   queuePage(std::move(*page));
   return true;
+}
+
+void PageFetcher::fetchProfile() {
+  profileIsFetched_ = true;
+  void* data = nullptr;
+  int size = 0;
+  if (core_.GetIccProfile(&data, &size) == QSRSLT_SUCCESS && data != nullptr && size > 0) {
+    auto profile = readIccProfile({static_cast<const std::uint8_t*>(data), static_cast<std::size_t>(size)});
+    if (profile) profile_ = std::make_shared<const IccProfile>(std::move(*profile));
+  }
+  outcome_.profileIsMissing = profile_ == nullptr;
 }
 
 void PageFetcher::queuePage(Page page) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <memory>
 
 #include "ScanCoreApi.h"
 #include "page_queue.h"
@@ -19,8 +20,9 @@ struct FetchOutcome {
   };
   End end = End::kFinished;
   orvalle_scan_api::QSRSLT result = 0;
-  int pages = 0;       // handed to the queue
-  int blankPages = 0;  // reported as blank by the device and left out
+  int pages = 0;                  // handed to the queue
+  int blankPages = 0;             // reported as blank by the device and left out
+  bool profileIsMissing = false;  // a colour profile was asked for, and none came that can be used
 };
 
 class PageFetcher {
@@ -49,7 +51,8 @@ class PageFetcher {
 
  private:
   void fetchPages();
-  bool takePage();  // false when the scan has ended
+  bool takePage();      // false when the scan has ended
+  void fetchProfile();  // once, when the first page is there: the library gives the profile of its depth
   void queuePage(Page page);
   bool wantsEnd() const;
   void keepAborting();
@@ -64,6 +67,8 @@ class PageFetcher {
   std::atomic<bool> discard_{false};
   // Fetching thread only, until run() has returned.
   FetchOutcome outcome_;
+  bool profileIsFetched_ = false;
+  std::shared_ptr<const IccProfile> profile_;
 };
 
 }  // namespace qsscan

@@ -62,7 +62,8 @@ std::optional<Paper> findPaper(std::string_view name) {
   const auto cross = name.find_first_of("xX");
   if (cross == std::string_view::npos) return std::nullopt;
   const auto width = parseMm(name.substr(0, cross));
-  const auto height = parseMm(name.substr(cross + 1));
+  const bool isLong = strcasecmp(text.c_str() + cross + 1, "long") == 0;
+  const auto height = isLong ? std::optional<double>(0) : parseMm(name.substr(cross + 1));
   if (!width || !height) return std::nullopt;
   return Paper{PAPERTYPE_CUSTOM, *width, *height};
 }

@@ -24,8 +24,8 @@ struct PaperRow {
 // The named papers, in the order in which help shows them.
 std::span<const PaperRow> paperTable();
 
-// A named paper, in any case, or WIDTHxHEIGHT in millimetres such as 148x210.5. Nothing for anything else, sizes below
-// 1 mm and above 10 m included.
+// A named paper, in any case, WIDTHxHEIGHT in millimetres such as 148x210.5, or WIDTHxlong. Nothing for anything else,
+// sizes below 1 mm and above 10 m included.
 std::optional<Paper> findPaper(std::string_view name);
 
 // "letter" or "a4" for a locale name such as en_US.UTF-8.

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 #include <ctime>
+#include <map>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFObjectHandle.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
@@ -75,14 +76,37 @@ QPDFObjectHandle decodeParameters(const SpooledPage& page) {
   return parameters;
 }
 
-QPDFObjectHandle makeImage(QPDF& pdf, const SpooledPage& page, SpoolFile& spool) {
+// The colour spaces of one document: a profile is written once, however many pages have it.
+class ColorSpaces {
+ public:
+  explicit ColorSpaces(QPDF& pdf) : pdf_(pdf) {}
+
+  QPDFObjectHandle of(const SpooledPage& page) {
+    const char* device = page.bitsPerPixel == 24 ? "/DeviceRGB" : "/DeviceGray";
+    if (!page.profile) return name(device);
+    QPDFObjectHandle& space = ofProfile_[page.profile.get()];
+    if (space.isInitialized()) return space;
+    auto stream =
+        QPDFObjectHandle::newStream(&pdf_, std::string(page.profile->bytes.begin(), page.profile->bytes.end()));
+    stream.getDict().replaceKey("/N", number(page.profile->channels));
+    stream.getDict().replaceKey("/Alternate", name(device));
+    space = pdf_.makeIndirectObject(QPDFObjectHandle::newArray({name("/ICCBased"), stream}));
+    return space;
+  }
+
+ private:
+  QPDF& pdf_;
+  std::map<const IccProfile*, QPDFObjectHandle> ofProfile_;
+};
+
+QPDFObjectHandle makeImage(QPDF& pdf, const SpooledPage& page, const QPDFObjectHandle& colorSpace, SpoolFile& spool) {
   auto image = QPDFObjectHandle::newStream(&pdf);
   auto dictionary = image.getDict();
   dictionary.replaceKey("/Type", name("/XObject"));
   dictionary.replaceKey("/Subtype", name("/Image"));
   dictionary.replaceKey("/Width", number(page.widthPx));
   dictionary.replaceKey("/Height", number(page.heightPx));
-  dictionary.replaceKey("/ColorSpace", name(page.bitsPerPixel == 24 ? "/DeviceRGB" : "/DeviceGray"));
+  dictionary.replaceKey("/ColorSpace", colorSpace);
   dictionary.replaceKey("/BitsPerComponent", number(page.bitsPerPixel == 1 ? 1 : 8));
   const auto copyFromSpool = [page, &spool](Pipeline* out) {
     std::array<std::uint8_t, 1 << 16> buffer;
@@ -101,11 +125,11 @@ QPDFObjectHandle makeImage(QPDF& pdf, const SpooledPage& page, SpoolFile& spool)
   return image;
 }
 
-QPDFObjectHandle makePage(QPDF& pdf, const SpooledPage& page, SpoolFile& spool) {
+QPDFObjectHandle makePage(QPDF& pdf, const SpooledPage& page, const QPDFObjectHandle& colorSpace, SpoolFile& spool) {
   const std::string width = real(points(page.widthPx, page.dpiX));
   const std::string height = real(points(page.heightPx, page.dpiY));
   auto images = QPDFObjectHandle::newDictionary();
-  images.replaceKey("/Im0", makeImage(pdf, page, spool));
+  images.replaceKey("/Im0", makeImage(pdf, page, colorSpace, spool));
   auto resources = QPDFObjectHandle::newDictionary();
   resources.replaceKey("/XObject", images);
 
@@ -146,10 +170,12 @@ void PdfWriter::addPage(const Page& page) {
 }
 
 PdfWriter::SpooledPage PdfWriter::spool(const Page& page, Coding coding) {
-  SpooledPage spooled{spool_.size(), 0, coding, page.widthPx, page.heightPx, page.bitsPerPixel, page.dpiX, page.dpiY};
+  SpooledPage spooled{spool_.size(), 0,         coding, page.widthPx, page.heightPx, page.bitsPerPixel,
+                      page.dpiX,     page.dpiY, {}};
+  if (page.fittingProfile() != nullptr) spooled.profile = page.profile;
   switch (coding) {
     case Coding::kJpeg:
-      writeJpeg(page, options_.jpegQuality, spool_.stream());
+      writeJpeg(page, options_.jpegQuality, spool_.stream(), false);
       break;
     case Coding::kFaxG4:
       writeFaxG4(page, spool_.stream());
@@ -167,7 +193,10 @@ void PdfWriter::finish() {
     QPDF pdf;
     pdf.emptyPDF();
     QPDFPageDocumentHelper document(pdf);
-    for (const SpooledPage& page : pages_) document.addPage(makePage(pdf, page, spool_), false);
+    ColorSpaces colorSpaces(pdf);
+    for (const SpooledPage& page : pages_) {
+      document.addPage(makePage(pdf, page, colorSpaces.of(page), spool_), false);
+    }
     pdf.getTrailer().replaceKey("/Info", pdf.makeIndirectObject(makeInformation()));
 
     QPDFWriter writer(pdf, "output", stream_, false);

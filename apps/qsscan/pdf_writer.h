@@ -1,6 +1,7 @@
 // A PDF of scanned pages: each page one image at its true physical size.
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "document_writer.h"
@@ -22,6 +23,7 @@ class PdfWriter : public DocumentWriter {
     Coding coding;
     int widthPx, heightPx, bitsPerPixel;
     int dpiX, dpiY;
+    std::shared_ptr<const IccProfile> profile;  // null for none
   };
 
  private:

@@ -39,6 +39,12 @@ bool encode(png_structp png, png_infop info, const Page& page, std::FILE* stream
                color ? 8 : page.bitsPerPixel, color ? PNG_COLOR_TYPE_RGB : PNG_COLOR_TYPE_GRAY, PNG_INTERLACE_NONE,
                PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
   png_set_pHYs(png, info, perMetre(page.dpiX), perMetre(page.dpiY), PNG_RESOLUTION_METER);
+  if (const IccProfile* profile = page.fittingProfile(); profile != nullptr) {
+    // A profile that the library finds fault with is left out, the page being good without it.
+    png_set_benign_errors(png, 1);
+    png_set_iCCP(png, info, "scanner", PNG_COMPRESSION_TYPE_BASE, profile->bytes.data(),
+                 static_cast<png_uint_32>(profile->bytes.size()));
+  }
   png_write_info(png, info);
   if (color) png_set_bgr(png);
   for (int y = 0; y < page.heightPx; ++y) png_write_row(png, page.line(y));

@@ -93,6 +93,7 @@ void setEnd(ScanReport& report, ExitCode exit, const std::string& sentence, std:
 
 void judge(ScanReport& report, const FetchOutcome& outcome, const ScanWriter& writer, int pageLimit, bool interrupted) {
   report.blankPages = outcome.blankPages;
+  report.profileIsMissing = outcome.profileIsMissing;
   if (writer.failure()) return setEnd(report, writer.failure()->code(), writer.failure()->what());
   if (interrupted) return setEnd(report, ExitCode::kInterrupted, "Interrupted.");
   if (pageLimit > 0 && outcome.pages >= pageLimit) return;

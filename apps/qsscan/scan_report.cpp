@@ -25,7 +25,8 @@ double roundedSeconds(double seconds) { return std::round(seconds * 1000) / 1000
 
 PageReport reportPage(const Page& page, double seconds) {
   return {page.number, page.widthPx, page.heightPx,     page.bitsPerPixel,
-          page.dpiX,   page.dpiY,    page.cutAtMaximum, seconds};
+          page.dpiX,   page.dpiY,    page.cutAtMaximum, page.fittingProfile() != nullptr,
+          seconds};
 }
 
 std::string jsonText(const Json& json, int indent) {
@@ -40,6 +41,7 @@ Json pageJson(const PageReport& page) {
               {"dpiX", page.dpiX},
               {"dpiY", page.dpiY},
               {"cutAtMaximum", page.cutAtMaximum},
+              {"colorProfile", page.hasProfile},
               {"seconds", roundedSeconds(page.seconds)}};
 }
 
@@ -73,6 +75,7 @@ std::string reportText(const ScanReport& report) {
       text += "qsscan: Page " + std::to_string(page.number) + " is longer than the device can scan and was cut.\n";
     }
   }
+  if (report.profileIsMissing) text += "qsscan: The device gave no colour profile; the pages have none.\n";
   if (report.blankPages > 0) {
     text += "qsscan: " + counted(static_cast<std::size_t>(report.blankPages), "blank page") + " left out.\n";
   }

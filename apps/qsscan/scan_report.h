@@ -14,7 +14,8 @@ struct PageReport {
   int number;
   int widthPx, heightPx, bitsPerPixel, dpiX, dpiY;
   bool cutAtMaximum;
-  double seconds;  // since the start of the scan
+  bool hasProfile;  // a colour profile is attached
+  double seconds;   // since the start of the scan
 };
 
 PageReport reportPage(const Page& page, double seconds);
@@ -27,6 +28,7 @@ struct ScanReport {
   std::vector<PageReport> pages;  // in the files
   std::vector<std::string> files;
   int blankPages = 0;
+  bool profileIsMissing = false;  // asked for, and not given
   double seconds = 0;
 };
 

@@ -4,9 +4,13 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "color_drop.h"
 #include "paper.h"
+#include "scan_features.h"
 #include "scan_types.h"
+#include "tone.h"
 
 namespace qsscan {
 
@@ -29,7 +33,13 @@ struct ScanWish {
   int brightness = 0;
   int contrast = 0;
   std::optional<unsigned> threshold;
-  int pages = 0;  // 0 for all
+  bool autoThreshold = false;  // found for each page
+  ToneWish tone;
+  std::optional<ColorDropWish> colorDrop;
+  std::optional<int> colorDropRange;
+  std::vector<FeatureWish> features;
+  int pages = 0;   // 0 for all
+  int sheets = 0;  // 0 for all
 
   bool hasArea() const { return leftMm || topMm || widthMm || heightMm; }
 };

@@ -161,14 +161,17 @@ void setArea(const ScanWish& wish, const Capability& capability, QS_SCANNER_PARA
   }
 }
 
-void setTone(const ScanWish& wish, const Capability& capability, QS_SCANNER_PARAMETERS& settings) {
+void setBrightness(const ScanWish& wish, const Capability& capability, QS_SCANNER_PARAMETERS& settings) {
   if (wish.contrast != 0 && settings.colorType == COLORTYPE_BLACKANDWHITE) {
     refuse("The mode mono has no contrast. Use --threshold or --brightness.");
   }
   settings.brightness = wish.brightness;
   settings.contrast = wish.contrast;
-  if (!wish.threshold) return;
+  if (!wish.threshold && !wish.autoThreshold) return;
   if (settings.colorType != COLORTYPE_BLACKANDWHITE) refuseUsage("--threshold belongs to --mode mono.");
+  // The library finds it on each page; what the record says of the device's own finding does not matter.
+  settings.autoThreshold = wish.autoThreshold;
+  if (wish.autoThreshold) return;
   const MONOTHRESHOLDSUPPORT& support = capability.monoThreshold;
   const bool reported = support.manualThresholdLevelMax > 0;
   const auto value = static_cast<std::int32_t>(*wish.threshold);
@@ -179,14 +182,22 @@ void setTone(const ScanWish& wish, const Capability& capability, QS_SCANNER_PARA
   settings.threshold = *wish.threshold;
 }
 
-// The number of sheets that the device is asked to stop after; 0 where it cannot count them, the pages being counted
-// on this side then.
+// The number of sheets that the device is asked to stop after. Where it cannot count them, --sheets is refused while
+// --pages gives 0, the pages being counted on this side then.
 std::int32_t sheetLimit(const ScanWish& wish, const Capability& capability) {
   constexpr int kOneSheet = 1;
   constexpr int kAnyCount = 2;
-  const std::int32_t sheets = wish.duplex ? (wish.pages + 1) / 2 : wish.pages;
-  const bool counts = capability.xferCount == kAnyCount || (capability.xferCount == kOneSheet && sheets == 1);
-  return counts ? sheets : 0;
+  const auto canCount = [&](int sheets) {
+    return capability.xferCount == kAnyCount || (capability.xferCount == kOneSheet && sheets == 1);
+  };
+  if (wish.sheets > 0 && !canCount(wish.sheets)) {
+    refuse(capability.xferCount == kOneSheet
+               ? "The device can stop after one sheet and after no other number. Use --pages."
+               : "The device cannot stop after a number of sheets. Use --pages, which stops the scan from here.");
+  }
+  const int ofPages = wish.duplex ? (wish.pages + 1) / 2 : wish.pages;
+  const int sheets = wish.sheets > 0 && ofPages > 0 ? std::min(wish.sheets, ofPages) : wish.sheets + ofPages;
+  return canCount(sheets) ? sheets : 0;
 }
 
 }  // namespace
@@ -216,7 +227,8 @@ std::vector<COLORTYPE> offeredModes(const Capability& capability) {
   if (capability.colorType.trueGray) offered.push_back(COLORTYPE_TRUEGRAY);
   if (capability.colorType.blackAndWhite) offered.push_back(COLORTYPE_BLACKANDWHITE);
   if (capability.colorType.errorDiffusion) offered.push_back(COLORTYPE_ERRORDIFFUSION);
-  if (capability.autoColorFlag && capability.colorType.color24bit) offered.push_back(COLORTYPE_AUTO);
+  // The record's own flag for automatic colour is set for every device.
+  if (capability.autoColor.cap == kPresent && capability.colorType.color24bit) offered.push_back(COLORTYPE_AUTO);
   return offered;
 }
 
@@ -232,7 +244,15 @@ QS_SCANNER_PARAMETERS makeSettings(const ScanWish& wish, const Capability& capab
   if (wish.duplex) settings.duplexType = wish.bindShortEdge ? DUPLEXTYPE_SHORT_EDGE : DUPLEXTYPE_LONG_EDGE;
   setPaper(wish, capability, settings);
   setArea(wish, capability, settings);
-  setTone(wish, capability, settings);
+  setBrightness(wish, capability, settings);
+  setFeatures(wish.features, capability, settings);
+  setTone(wish.tone, capability, settings);
+  if (wish.colorDrop) {
+    setColorDrop(*wish.colorDrop, wish.colorDropRange.value_or(kUsualDropRange), capability, settings);
+  }
+  if (settings.carrierSheet && wish.paperIsAuto) {
+    refuseUsage("--carrier-sheet needs a page size that is known: name one with --page-size.");
+  }
   settings.autoColorLevel = {capability.autoColor.firstDefault, capability.autoColor.secondDefault};
   settings.scanPageCount = sheetLimit(wish, capability);
   return settings;

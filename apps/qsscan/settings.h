@@ -5,12 +5,9 @@
 #include <vector>
 
 #include "scan_wish.h"
-#include "scanner_capability_v1.h"
 #include "scanner_parameters.h"
 
 namespace qsscan {
-
-using Capability = orvalle_scan_api::tagQS_SCANNER_CAPABILITY_VER1;
 
 // The settings for the wish. Throws CommandError where the device cannot serve it (not served) or where the wish
 // contradicts itself (usage); the sentence names what the device can do. What the record is silent about is not

@@ -63,6 +63,27 @@ Picture withoutIdleColor(const Picture& picture) {
   return grey;
 }
 
+Picture meansOf(const Picture& grey, int squarePx) {
+  Picture means(grey.widthPx / squarePx, grey.heightPx / squarePx, 1, grey.dpi / squarePx);
+  for (int y = 0; y < means.heightPx; ++y) {
+    for (int x = 0; x < means.widthPx; ++x) {
+      int sum = 0;
+      for (int i = 0; i < squarePx * squarePx; ++i) {
+        sum += *grey.at(x * squarePx + i % squarePx, y * squarePx + i / squarePx);
+      }
+      *means.at(x, y) = static_cast<std::uint8_t>(sum / (squarePx * squarePx));
+    }
+  }
+  return means;
+}
+
+Picture onWhite(const Picture& picture, int widthPx, int heightPx) {
+  Picture white(widthPx, heightPx, picture.channels, picture.dpi);
+  const auto bytes = static_cast<std::size_t>(std::min(widthPx, picture.widthPx) * picture.channels);
+  for (int y = 0; y < std::min(heightPx, picture.heightPx); ++y) std::memcpy(white.at(0, y), picture.at(0, y), bytes);
+  return white;
+}
+
 Picture blackAndWhite(const Picture& grey, int level) {
   Picture cut = grey;
   for (auto& sample : cut.pixels) sample = sample < level ? 0 : 255;

@@ -38,6 +38,10 @@ Picture turnedHalfway(const Picture& picture);
 Picture cutOut(const Picture& picture, int left, int top, int widthPx, int heightPx);
 // The same picture with one channel, where no pixel has a colour; else as it is.
 Picture withoutIdleColor(const Picture& picture);
+// A grey picture as its means over squares of that many pixels; what is over at the edges is left out.
+Picture meansOf(const Picture& grey, int squarePx);
+// The picture in the top left corner of a larger white one.
+Picture onWhite(const Picture& picture, int widthPx, int heightPx);
 // White from the level on.
 Picture blackAndWhite(const Picture& grey, int level);
 
@@ -50,8 +54,12 @@ void writeBytes(const std::string& path, const std::vector<std::uint8_t>& bytes)
 
 // Grey of 1 or 8 bits, or colour; the resolution rounded to whole dots per inch.
 Picture readPng(const std::string& path);
-// The first page.
+// The first page in colour.
 Picture readTiff(const std::string& path);
+// Every page, with as many channels as it has in the file.
+std::vector<Picture> readTiffPages(const std::string& path);
+// A raw PBM, PGM or PPM; the resolution from a comment such as "# 300 x 300 dpi".
+Picture readPnm(const std::string& path);
 Picture decodeJpeg(const std::uint8_t* data, std::size_t bytes);
 Picture readJpeg(const std::string& path);
 // A CCITT G4 picture as a PDF holds it; scratch is a file name for its own use.

@@ -72,6 +72,7 @@ struct FakeScript {
   QSRSLT capabilityResult = 0;
   QSRSLT startResult = 0;
   bool adfInserted = false;
+  std::vector<std::uint8_t> profile;  // empty: the device gives none
   std::vector<FakePage> pages;
   int pollsPerPage = 1;  // polls that say "receiving" before each page
   AfterPages after = AfterPages::kAllEnd;
@@ -106,7 +107,13 @@ class FakeScanCore : public IScanCoreApi {
     if (script_.capabilityResult == 0) std::memcpy(capability, &script_.capability, sizeof script_.capability);
     return script_.capabilityResult;
   }
-  QSRSLT GetIccProfile(void**, int*) override { return QSRSLT_WRONG_STATE; }
+  QSRSLT GetIccProfile(void** data, int* size) override {
+    ++profileQuestions_;
+    if (script_.profile.empty()) return QSRSLT_WRONG_STATE;
+    *data = const_cast<std::uint8_t*>(script_.profile.data());
+    *size = static_cast<int>(script_.profile.size());
+    return QSRSLT_SUCCESS;
+  }
   QSRSLT GetPushScanParameter(unsigned, void*) override { return QSRSLT_NOT_PREPARED; }
   bool IsAdfInserted() override { return script_.adfInserted; }
 
@@ -177,6 +184,7 @@ class FakeScanCore : public IScanCoreApi {
   const _QS_SELECT_DEVICE_INFO& selected() const { return selected_; }
   const std::string& misuse() const { return misuse_; }
   int starts() const { return starts_; }
+  int profileQuestions() const { return profileQuestions_; }
   int aborts() const { return aborts_; }
   int freed() const { return freed_; }
 
@@ -202,6 +210,7 @@ class FakeScanCore : public IScanCoreApi {
   int heldNo_ = 0;
   std::vector<std::uint8_t> held_;
   int starts_ = 0;
+  int profileQuestions_ = 0;
   int freed_ = 0;
   std::string misuse_;
   void (*spoil_)(tagQS_SCAN_IMAGEDATA&) = nullptr;

@@ -80,6 +80,48 @@ TEST(Options, ProgressForProgramsAndThresholdAndAutomaticPaper) {
   EXPECT_TRUE(options.wish.duplex);
 }
 
+// The level that a feature was given; -1000 where it was switched on without one, nothing where it was not.
+std::optional<int> levelOf(const Options& options, const std::string& option) {
+  for (const FeatureWish& wish : options.wish.features) {
+    if (wish.feature->option == option) return wish.level.value_or(-1000);
+  }
+  return std::nullopt;
+}
+
+TEST(Options, FeaturesAreSwitchedOnWithALevelOrWithout) {
+  const Options options = scan({"--deskew", "--skip-blank", "--remove-background=40", "--smooth", "-20", "--sharpen",
+                                "3", "--icc-profile", "-o", "a.tif"});
+  EXPECT_EQ(options.wish.features.size(), 6u);
+  EXPECT_EQ(levelOf(options, "--deskew"), -1000);
+  EXPECT_EQ(levelOf(options, "--skip-blank"), -1000);
+  EXPECT_EQ(levelOf(options, "--remove-background"), 40);
+  EXPECT_EQ(levelOf(options, "--smooth"), -20);
+  EXPECT_EQ(levelOf(options, "--sharpen"), 3);
+  EXPECT_EQ(levelOf(options, "--quiet"), std::nullopt);
+  EXPECT_EQ(options.output.path, "a.tif");
+}
+
+TEST(Options, EveryFeatureIsAnOption) {
+  for (const Feature& feature : featureTable()) {
+    EXPECT_EQ(levelOf(scan({feature.option}), feature.option), -1000) << feature.option;
+  }
+}
+
+TEST(Options, ToneColourAndThresholdReachTheirPlace) {
+  const Options options = scan({"--shadow", "10", "--gamma", "1.8", "--color-drop", "00A0ff", "--color-drop-range",
+                                "15", "--threshold", "auto", "--sheets", "3"});
+  EXPECT_EQ(options.wish.tone[0], 10);
+  EXPECT_EQ(options.wish.tone[1], std::nullopt);
+  EXPECT_EQ(options.wish.tone[2], 1.8);
+  ASSERT_TRUE(options.wish.colorDrop);
+  EXPECT_EQ(options.wish.colorDrop->rgb[1], 0xA0);
+  EXPECT_EQ(options.wish.colorDropRange, 15);
+  EXPECT_TRUE(options.wish.autoThreshold);
+  EXPECT_FALSE(options.wish.threshold);
+  EXPECT_EQ(options.wish.sheets, 3);
+  EXPECT_NE(scan({"--color-drop", "red"}).wish.colorDrop->preset, nullptr);
+}
+
 TEST(Options, TheDeviceMayComeFromTheEnvironment) {
   ::setenv("QSSCAN_DEVICE", "unix:/s", 1);
   EXPECT_EQ(parse({"info"}).device, "unix:/s");
@@ -118,6 +160,15 @@ INSTANTIATE_TEST_SUITE_P(
                     BadRow{"BadBrightness", {"scan", "-d", "h", "--brightness", "51"}, "brightness"},
                     BadRow{"BadContrast", {"scan", "-d", "h", "--contrast", "-51"}, "contrast"},
                     BadRow{"BadThreshold", {"scan", "-d", "h", "--threshold", "0"}, "threshold"},
+                    BadRow{"WordAsThreshold", {"scan", "-d", "h", "--threshold", "dark"}, "--threshold"},
+                    BadRow{"BadLevel", {"scan", "-d", "h", "--sharpen=much"}, "whole number"},
+                    BadRow{"BadColor", {"scan", "-d", "h", "--color-drop", "pink"}, "RRGGBB"},
+                    BadRow{"RangeOfANamedColor",
+                           {"scan", "-d", "h", "--color-drop", "red", "--color-drop-range", "9"},
+                           "--color-drop-range"},
+                    BadRow{"BadGamma", {"scan", "-d", "h", "--gamma", "high"}, "gamma"},
+                    BadRow{"BadSheets", {"scan", "-d", "h", "--sheets", "0"}, "sheets"},
+                    BadRow{"ProfileInPnm", {"scan", "-d", "h", "--icc-profile", "-o", "a.pnm"}, "pnm"},
                     BadRow{"BadPages", {"scan", "-d", "h", "--pages", "0"}, "pages"},
                     BadRow{"BadQuality", {"scan", "-d", "h", "--quality", "101"}, "quality"},
                     BadRow{"BadResolution", {"scan", "-d", "h", "--resolution", "fine"}, "resolution"},

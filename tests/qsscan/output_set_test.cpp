@@ -33,10 +33,13 @@ INSTANTIATE_TEST_SUITE_P(
                     PlanRow{"", "dir.x/a.png", "", Format::kPng}, PlanRow{"", "a.jpg", "", Format::kJpeg},
                     PlanRow{"", "a.jpeg", "", Format::kJpeg}, PlanRow{"", "-", "", Format::kPdf},
                     PlanRow{"png", "-", "", Format::kPng}, PlanRow{"JPEG", "a.pdf", "", Format::kJpeg},
-                    PlanRow{"pdf", "noending", "", Format::kPdf}, PlanRow{"", "", "p%d.png", Format::kPng}));
+                    PlanRow{"pdf", "noending", "", Format::kPdf}, PlanRow{"", "", "p%d.png", Format::kPng},
+                    PlanRow{"", "a.tif", "", Format::kTiff}, PlanRow{"tiff", "-", "", Format::kTiff},
+                    PlanRow{"", "", "p%d.TIFF", Format::kTiff}, PlanRow{"", "a.pnm", "", Format::kPnm},
+                    PlanRow{"", "a.ppm", "", Format::kPnm}, PlanRow{"pnm", "-", "", Format::kPnm}));
 
 TEST(OutputSet, NamesThatDoNotTellTheFormatAreRefused) {
-  for (const char* path : {"scan", "scan.tif", "dir.png/scan", ".png", "scan."}) {
+  for (const char* path : {"scan", "scan.gif", "dir.png/scan", ".png", "scan."}) {
     EXPECT_THROW(planOutput("", path, ""), CommandError) << path;
   }
 }

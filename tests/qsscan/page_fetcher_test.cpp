@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "fake_scan_core.h"
+#include "made_profile.h"
 
 namespace {
 
@@ -25,10 +26,11 @@ struct Fetched {
 
 // Runs the fetcher on its thread and takes the pages here; onPage sees each one.
 Fetched run(FakeScanCore& core, int pageLimit = 0, const std::function<void(PageFetcher&, const Page&)>& onPage = {},
-            const std::function<void(PageFetcher&)>& atStart = {}) {
+            const std::function<void(PageFetcher&)>& atStart = {}, bool wantProfile = false) {
   PageQueue queue(2, 1 << 20);
   QS_SCANNER_PARAMETERS settings{};
   settings.resolution = {300, 300};
+  settings.wantColorProfile = wantProfile;
   PageFetcher fetcher(core, settings, queue, pageLimit);
   std::thread thread([&] { fetcher.run(); });
   if (atStart) atStart(fetcher);
@@ -52,6 +54,42 @@ FakeScript threePages() {
   FakeScript script;
   script.pages = {{8, 4, 24, 300}, {9, 5, 8, 200}, {10, 6, 1, 600}};
   return script;
+}
+
+TEST(PageFetcher, TheProfileIsAskedForOnceAndGoesWithEveryPage) {
+  FakeScript script = threePages();
+  script.profile = colorProfile();
+  FakeScanCore core(script);
+  const Fetched result = run(core, 0, {}, {}, true);
+  ASSERT_EQ(result.pages.size(), 3u);
+  for (const Page& page : result.pages) {
+    ASSERT_NE(page.profile, nullptr);
+    EXPECT_EQ(page.profile->bytes, script.profile);
+  }
+  EXPECT_NE(result.pages[0].fittingProfile(), nullptr) << "a colour page";
+  EXPECT_EQ(result.pages[1].fittingProfile(), nullptr) << "a grey page";
+  EXPECT_EQ(core.profileQuestions(), 1);
+  EXPECT_FALSE(result.outcome.profileIsMissing);
+}
+
+TEST(PageFetcher, AProfileThatIsNoneIsToldAsMissing) {
+  for (const std::size_t bytes : {0, 500}) {
+    FakeScript script = threePages();
+    script.profile.assign(bytes, 7);
+    FakeScanCore core(script);
+    const Fetched result = run(core, 0, {}, {}, true);
+    EXPECT_TRUE(result.outcome.profileIsMissing);
+    ASSERT_EQ(result.pages.size(), 3u);
+    EXPECT_EQ(result.pages[0].profile, nullptr);
+  }
+}
+
+TEST(PageFetcher, WithoutTheWishNoProfileIsAskedFor) {
+  FakeScript script = threePages();
+  script.profile = colorProfile();
+  FakeScanCore core(script);
+  EXPECT_EQ(run(core).pages.at(0).profile, nullptr);
+  EXPECT_EQ(core.profileQuestions(), 0);
 }
 
 TEST(PageFetcher, TakesEveryPageCopiesItAndFreesIt) {

@@ -82,6 +82,18 @@ TEST(ScanWish, UsualSpellingsOfSourcesAreKnown) {
   EXPECT_FALSE(findSource("scanner"));
 }
 
+TEST(Paper, AWidthMayBeOfLongPaper) {
+  for (const char* name : {"100xlong", "100xLONG"}) {
+    const auto paper = findPaper(name);
+    ASSERT_TRUE(paper) << name;
+    EXPECT_EQ(paper->type, PAPERTYPE_CUSTOM);
+    EXPECT_EQ(paper->widthMm, 100);
+    EXPECT_EQ(paper->heightMm, 0);
+  }
+  EXPECT_FALSE(findPaper("longx100"));
+  EXPECT_FALSE(findPaper("xlong"));
+}
+
 TEST(ScanWish, EachModeNameIsFoundAgain) {
   for (const COLORTYPE mode :
        {COLORTYPE_AUTO, COLORTYPE_BLACKANDWHITE, COLORTYPE_ERRORDIFFUSION, COLORTYPE_TRUEGRAY, COLORTYPE_COLOR24BIT}) {

@@ -185,6 +185,24 @@ TEST(Program, ASecondCtrlCCompletesTheFilesAndLeavesAtOnce) {
   EXPECT_EQ(folder.content("a.pdf").substr(0, 5), "%PDF-");
 }
 
+TEST(Program, TheManualNamesEveryOptionAndEveryFormat) {
+  const TemporaryFolder folder;
+  const auto help = Program(folder, "", {"scan", "--help"}).wait();
+  std::ifstream in(QSSCAN_MANUAL);
+  const std::string manual{std::istreambuf_iterator<char>(in), {}};
+  std::istringstream lines(help.out.substr(0, help.out.find("Exit codes")));
+  int options = 0;
+  for (std::string line; std::getline(lines, line);) {
+    const auto dashes = line.find("--");
+    if (dashes == std::string::npos || dashes > 6) continue;
+    const std::string option = line.substr(dashes, line.find_first_of(" =[,", dashes) - dashes);
+    EXPECT_NE(manual.find("`" + option), std::string::npos) << option;
+    ++options;
+  }
+  EXPECT_GT(options, 30);
+  EXPECT_NE(help.out.find("pdf, tiff, png, jpeg or pnm"), std::string::npos);
+}
+
 TEST(Program, HelpAndManualShowEveryExitCode) {
   const TemporaryFolder folder;
   const auto help = Program(folder, "", {"scan", "--help"}).wait();

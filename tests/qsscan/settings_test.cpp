@@ -286,6 +286,72 @@ TEST(Settings, TheDeviceIsAskedToCountSheetsWhereItCan) {
   EXPECT_EQ(makeSettings(wish, capability, false).scanPageCount, 0);
 }
 
+TEST(Settings, SheetsAreCountedByTheDeviceOrRefused) {
+  ScanWish wish = a4Wish();
+  wish.sheets = 3;
+  EXPECT_EQ(make(wish).scanPageCount, 3);
+  wish.pages = 2;
+  EXPECT_EQ(make(wish).scanPageCount, 2) << "whatever ends first";
+  wish.duplex = true;
+  EXPECT_EQ(make(wish).scanPageCount, 1);
+  wish.pages = 0;
+  Capability capability = officeCapability();
+  capability.xferCount = 1;
+  expectRefused(wish, capability, ExitCode::kNotServed, "after one sheet");
+  wish.sheets = 1;
+  EXPECT_EQ(makeSettings(wish, capability, false).scanPageCount, 1);
+  capability.xferCount = 0;
+  expectRefused(wish, capability, ExitCode::kNotServed, "--pages");
+}
+
+TEST(Settings, AThresholdForEachPageIsFoundByTheLibraryWhateverTheDevice) {
+  ScanWish wish = a4Wish();
+  wish.autoThreshold = true;
+  expectRefused(wish, officeCapability(), ExitCode::kUsage, "--mode mono");
+  wish.mode = COLORTYPE_BLACKANDWHITE;
+  EXPECT_EQ(make(wish).autoThreshold, 1);
+  EXPECT_EQ(make(wish).threshold, 0u);
+}
+
+TEST(Settings, FeaturesToneAndColourDropReachTheRecord) {
+  Capability capability = officeCapability();
+  capability.colorTone = {2, 0, {}, {}, {254, 0, 0}, {255, 1, 220}, {1000, 10, 100}};
+  capability.colorDrop = {2, 1, 1, 1, 0, 1};
+  ScanWish wish = a4Wish();
+  for (const Feature& feature : featureTable()) {
+    if (std::string(feature.option) == "--detect-multifeed") wish.features.push_back({&feature, {}});
+  }
+  wish.tone[0] = 12;
+  wish.colorDrop = findColorDrop("112233");
+  const auto settings = makeSettings(wish, capability, false);
+  EXPECT_EQ(settings.multifeedDetect, 1);
+  EXPECT_EQ(settings.colorTone.shadow, 12);
+  EXPECT_EQ(settings.colorDrop.customBlue, 0x33);
+  EXPECT_EQ(settings.colorDrop.customRange, 40);
+  wish.colorDropRange = 9;
+  EXPECT_EQ(makeSettings(wish, capability, false).colorDrop.customRange, 9);
+}
+
+TEST(Settings, ACarrierSheetNeedsAKnownPageSize) {
+  Capability capability = officeCapability();
+  capability.carrierSheet = 2;
+  ScanWish wish;
+  wish.paperIsAuto = true;
+  for (const Feature& feature : featureTable()) {
+    if (std::string(feature.option) == "--carrier-sheet") wish.features.push_back({&feature, {}});
+  }
+  expectRefused(wish, capability, ExitCode::kUsage, "--page-size");
+}
+
+TEST(Settings, AutomaticColourIsOfferedWhereTheDeviceTellsColours) {
+  Capability capability = officeCapability();
+  ScanWish wish = a4Wish();
+  wish.mode = COLORTYPE_AUTO;
+  EXPECT_EQ(makeSettings(wish, capability, false).colorType, COLORTYPE_AUTO);
+  capability.autoColor.cap = 1;
+  expectRefused(wish, capability, ExitCode::kNotServed, "color, gray, mono");
+}
+
 TEST(Settings, LengthsOfTheLibraryBecomeMillimetres) {
   EXPECT_DOUBLE_EQ(toMm(8500, UNIT_INCH), 215.9);
   EXPECT_DOUBLE_EQ(toMm(21000, UNIT_MILLIMETER), 210);

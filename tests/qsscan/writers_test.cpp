@@ -205,8 +205,36 @@ TEST(Writers, APageTooLongForJpegIsASentence) {
   }
 }
 
+struct PnmRow {
+  int bitsPerPixel;
+  const char* head;
+};
+
+TEST(Writers, PnmHoldsThePictureWithItsResolutionInAComment) {
+  for (const PnmRow& row : {PnmRow{1, "P4\n# 300 x 600 dpi\n37 11\n"}, PnmRow{8, "P5\n# 300 x 600 dpi\n37 11\n255\n"},
+                            PnmRow{24, "P6\n# 300 x 600 dpi\n37 11\n255\n"}}) {
+    SCOPED_TRACE(row.bitsPerPixel);
+    const TemporaryFolder folder;
+    Page page = makePage(37, 11, row.bitsPerPixel, 300);
+    page.dpiY = 600;
+    write(folder, Format::kPnm, {page});
+    const std::string file = folder.content("document");
+    const std::size_t head = std::strlen(row.head);
+    ASSERT_EQ(file.substr(0, head), row.head);
+    std::vector<std::uint8_t> expected = samplesOf(page);
+    if (row.bitsPerPixel == 1) {
+      // Lines of whole bytes, a set bit for black.
+      expected.clear();
+      for (int y = 0; y < page.heightPx; ++y) {
+        for (std::size_t i = 0; i < page.lineBytes; ++i) expected.push_back(page.line(y)[i] ^ 0xFF);
+      }
+    }
+    EXPECT_EQ(file.substr(head), std::string(expected.begin(), expected.end()));
+  }
+}
+
 TEST(Writers, AFullDiskIsASentenceInEachFormat) {
-  for (const Format format : {Format::kPdf, Format::kPng, Format::kJpeg}) {
+  for (const Format format : {Format::kPdf, Format::kTiff, Format::kPng, Format::kJpeg, Format::kPnm}) {
     const TemporaryFolder folder;
     WriterOptions options;
     options.scratchDir = folder.file("");

@@ -1,0 +1,170 @@
+#include "apps/qsscan/scan_features.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include "apps/qsscan/exit_codes.h"
+#include "apps/qsscan/settings.h"
+#include "fake_scan_core.h"
+
+namespace {
+
+using namespace qsscan;
+using namespace orvalle_scan_api;
+using Settings = QS_SCANNER_PARAMETERS;
+
+// A device that can do everything.
+Capability ableCapability() {
+  Capability c = qsscan_test::officeCapability();
+  c.autoDeskew = c.multifeed = c.carrierSheet = c.quietMode = c.iccProfile = c.dotTextCombine = 2;
+  c.blankRemoval = {2, 0, 2, 1, 4, 0, 2};
+  c.backgroundRemoval = {{2, 255}, {2, 255}, {2, 255}, {2, 255}};
+  c.colorTone.cap = 2;
+  c.edgeEnhance = c.thickText = {2, 0, {5, 1, 1}};
+  c.smoothing = {2, 0, 2, 0, {50, -50, 0}};
+  return c;
+}
+
+const Feature* find(const std::string& option) {
+  for (const Feature& feature : featureTable()) {
+    if (feature.option == option) return &feature;
+  }
+  return nullptr;
+}
+
+Settings settingsWith(const char* option, std::optional<int> level = {},
+                      const Capability& capability = ableCapability(), COLORTYPE mode = COLORTYPE_COLOR24BIT) {
+  Settings settings{};
+  settings.colorType = mode;
+  const FeatureWish wish{find(option), level};
+  setFeatures({&wish, 1}, capability, settings);
+  return settings;
+}
+
+void expectRefused(const char* option, std::optional<int> level, const Capability& capability, COLORTYPE mode,
+                   ExitCode code, const std::string& partOfSentence) {
+  try {
+    settingsWith(option, level, capability, mode);
+    FAIL() << option << " was accepted";
+  } catch (const CommandError& error) {
+    EXPECT_EQ(error.code(), code) << error.what();
+    EXPECT_NE(std::string(error.what()).find(partOfSentence), std::string::npos) << error.what();
+  }
+}
+
+struct Row {
+  const char* option;
+  std::optional<int> level;
+  void (*expect)(Settings&);
+};
+
+// Nothing but what the option is for is changed.
+TEST(ScanFeatures, EachSetsItsFieldsOfTheRecord) {
+  const Row kRows[] = {
+      {"--deskew", {}, [](Settings& s) { s.autoDeskew = 1; }},
+      {"--auto-rotate", {}, [](Settings& s) { s.autoRotate = 1; }},
+      {"--skip-blank",
+       {},
+       [](Settings& s) {
+         s.blankPageRemoval = {1, 2};
+       }},
+      {"--skip-blank", 4,
+       [](Settings& s) {
+         s.blankPageRemoval = {1, 4};
+       }},
+      {"--detect-multifeed", {}, [](Settings& s) { s.multifeedDetect = 1; }},
+      {"--remove-background",
+       {},
+       [](Settings& s) {
+         s.removeBackground = {1, 128};
+       }},
+      {"--remove-background", 255,
+       [](Settings& s) {
+         s.removeBackground = {1, 255};
+       }},
+      {"--carrier-sheet", {}, [](Settings& s) { s.carrierSheet = 1; }},
+      {"--quiet", {}, [](Settings& s) { s.quietScan = 1; }},
+      {"--icc-profile", {}, [](Settings& s) { s.wantColorProfile = 1; }},
+      {"--auto-tone", {}, [](Settings& s) { s.colorTone.enable = s.colorTone.autoMode = 1; }},
+      {"--sharpen",
+       {},
+       [](Settings& s) {
+         s.edgeEnhance = {1, 1};
+       }},
+      {"--sharpen", 5,
+       [](Settings& s) {
+         s.edgeEnhance = {1, 5};
+       }},
+      {"--smooth", -20,
+       [](Settings& s) {
+         s.smoothing = {1, 1, -20};
+       }},
+      {"--thicken-text", 3,
+       [](Settings& s) {
+         s.thickText = {1, 3};
+       }},
+      {"--join-dots", {}, [](Settings& s) { s.dotTextCombine = 1; }},
+  };
+  for (const Feature& feature : featureTable()) {
+    EXPECT_TRUE(std::any_of(std::begin(kRows), std::end(kRows),
+                            [&](const Row& row) { return std::strcmp(row.option, feature.option) == 0; }))
+        << feature.option << " has no row here";
+  }
+  for (const Row& row : kRows) {
+    SCOPED_TRACE(row.option);
+    Settings expected{};
+    expected.colorType = COLORTYPE_COLOR24BIT;
+    row.expect(expected);
+    const Settings made = settingsWith(row.option, row.level);
+    EXPECT_EQ(std::memcmp(&made, &expected, sizeof made), 0);
+  }
+}
+
+TEST(ScanFeatures, WhatTheDeviceLacksIsRefused) {
+  for (const Feature& feature : featureTable()) {
+    if (feature.isServed == nullptr) continue;
+    SCOPED_TRACE(feature.option);
+    expectRefused(feature.option, {}, Capability{}, COLORTYPE_COLOR24BIT, ExitCode::kNotServed,
+                  std::string(feature.lack) + ". Leave out " + feature.option + ".");
+  }
+}
+
+TEST(ScanFeatures, TheLibrarysOwnWorkNeedsNothingOfTheDevice) {
+  EXPECT_EQ(settingsWith("--auto-rotate", {}, Capability{}).autoRotate, 1);
+}
+
+TEST(ScanFeatures, TheRefusalNamesTheModesThatServeIt) {
+  Capability capability = ableCapability();
+  capability.backgroundRemoval = {{1, 0}, {2, 255}, {1, 0}, {2, 255}};
+  expectRefused("--remove-background", {}, capability, COLORTYPE_TRUEGRAY, ExitCode::kNotServed,
+                "in the mode gray. It can in: color, dither, auto.");
+  EXPECT_EQ(settingsWith("--remove-background", 7, capability, COLORTYPE_AUTO).removeBackground.level, 7);
+  EXPECT_EQ(settingsWith("--remove-background", 7, capability, COLORTYPE_ERRORDIFFUSION).removeBackground.level, 7);
+  expectRefused("--remove-background", {}, capability, COLORTYPE_BLACKANDWHITE, ExitCode::kNotServed, "color");
+}
+
+TEST(ScanFeatures, LevelsAreThoseOfTheDevice) {
+  Capability capability = ableCapability();
+  expectRefused("--skip-blank", 5, capability, COLORTYPE_COLOR24BIT, ExitCode::kNotServed, "between 0 and 4");
+  expectRefused("--sharpen", 0, capability, COLORTYPE_COLOR24BIT, ExitCode::kNotServed, "between 1 and 5");
+  expectRefused("--smooth", 51, capability, COLORTYPE_COLOR24BIT, ExitCode::kNotServed, "between -50 and 50");
+  expectRefused("--remove-background", -1, capability, COLORTYPE_COLOR24BIT, ExitCode::kNotServed, "between 0 and 255");
+  capability.blankRemoval.levelCap = 1;
+  expectRefused("--skip-blank", 1, capability, COLORTYPE_COLOR24BIT, ExitCode::kNotServed, "no levels");
+  EXPECT_EQ(settingsWith("--skip-blank", {}, capability).blankPageRemoval.level, 0u);
+}
+
+TEST(ScanFeatures, WhatAPageOfTwoColoursWouldNotShowIsRefused) {
+  for (const char* option : {"--sharpen", "--auto-tone", "--icc-profile"}) {
+    for (const COLORTYPE mode : {COLORTYPE_BLACKANDWHITE, COLORTYPE_ERRORDIFFUSION}) {
+      expectRefused(option, {}, ableCapability(), mode, ExitCode::kUsage, "needs the mode color, gray or auto");
+    }
+    settingsWith(option, {}, ableCapability(), COLORTYPE_TRUEGRAY);
+    settingsWith(option, {}, ableCapability(), COLORTYPE_AUTO);
+  }
+}
+
+}  // namespace
