@@ -1,8 +1,9 @@
 # Debian packages by what they are needed for, and the one way to install what is missing. Sourced by the scripts.
 
 qs_build_packages=(g++ cmake ninja-build pkg-config
-  libjpeg62-turbo-dev libpng-dev libtiff-dev libqpdf-dev libcli11-dev nlohmann-json3-dev libpoppler-cpp-dev libavahi-client-dev liblcms2-dev libleptonica-dev)
-qs_test_packages=(libgtest-dev libbenchmark-dev)
+  libjpeg62-turbo-dev libpng-dev libtiff-dev libqpdf-dev libcli11-dev nlohmann-json3-dev libpoppler-cpp-dev
+  libleptonica-dev liblcms2-dev libavahi-client-dev libusb-1.0-0-dev)
+qs_test_packages=(libgtest-dev libbenchmark-dev libumockdev-dev)
 qs_check_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
 
 # Installs the packages that are not there yet; as root directly, otherwise with sudo.

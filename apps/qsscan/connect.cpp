@@ -19,11 +19,6 @@ void check(QSRSLT result) {
 Capability connect(orvalle_scan_api::IScanCoreApi& core, const std::string& deviceName) {
   constexpr unsigned kFlatRecord = 1;
   auto device = parseDeviceName(deviceName);
-  // Good names, which the module that talks to devices refuses for now; its refusal reads like a device that is off.
-  if (deviceName.starts_with("usb:")) {
-    throw CommandError(ExitCode::kNotServed,
-                       "USB devices cannot be used yet. Name one on the network, or a Unix socket as unix:PATH.");
-  }
   check(core.Initialize());
   check(core.SelectDevice(device));
   Capability capability{};

@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "socket_transport.h"
+#include "usb_connect.h"
 
 namespace device_access {
 namespace {
@@ -141,9 +142,16 @@ Outcome connectUnix(const DeviceName& name, std::unique_ptr<Transport>& connecti
 
 }  // namespace
 
-Outcome connectDevice(const DeviceName& name, std::unique_ptr<Transport>& connection) {
+Outcome connectDevice(const DeviceName& name, UsbCalls& usb, std::unique_ptr<Transport>& connection) {
   connection.reset();
-  return name.kind == DeviceName::Kind::Unix ? connectUnix(name, connection) : connectTcp(name, connection);
+  switch (name.kind) {
+    case DeviceName::Kind::Unix:
+      return connectUnix(name, connection);
+    case DeviceName::Kind::Usb:
+      return connectUsb(name, usb, connection);
+    default:
+      return connectTcp(name, connection);
+  }
 }
 
 }  // namespace device_access

@@ -9,7 +9,7 @@
 
 namespace device_access {
 
-// Sockets carry no name of the driver.
+// Neither sockets nor USB carry a name of the driver.
 void DeviceAccess::SetClientId(const char*) { tell({}, 0); }
 
 int DeviceAccess::Open(orvalle_scan_api::_DEV_IDENTIFIER& id) {
@@ -27,7 +27,7 @@ Outcome DeviceAccess::open(const orvalle_scan_api::_DEV_IDENTIFIER& id) {
   DeviceName name;
   const NameFault fault = parseDeviceName(id.connection, id.name != nullptr ? id.name : "", name);
   if (fault != NameFault::None) return {kNameRefused, static_cast<std::uint32_t>(fault)};
-  const Outcome outcome = connectDevice(name, connection_);
+  const Outcome outcome = connectDevice(name, usb_, connection_);
   betweenCommands_ = outcome.ok();
   return outcome;
 }

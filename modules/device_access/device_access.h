@@ -11,6 +11,7 @@
 
 #include "modules/DeviceAccess.h"
 #include "transport.h"
+#include "usb_calls.h"
 
 namespace device_access {
 
@@ -22,6 +23,9 @@ inline constexpr Milliseconds kWriteWait{10000};
 
 class DeviceAccess final : public orvalle_scan_api::IDeviceAccess {
  public:
+  // USB devices are reached through usb, which must outlive the object.
+  explicit DeviceAccess(UsbCalls& usb = systemUsb()) : usb_(usb) {}
+
   void SetClientId(const char* id) override;
   void ReservedFirst() override {}
   void ReservedSecond() override {}
@@ -38,6 +42,7 @@ class DeviceAccess final : public orvalle_scan_api::IDeviceAccess {
   int tell(const Outcome& outcome, int value);
   int lose(const Outcome& outcome);
 
+  UsbCalls& usb_;
   std::unique_ptr<Transport> connection_;
   Milliseconds streamSilence_{0};  // waited in stream reads since the last byte in either direction
   bool betweenCommands_ = false;   // nothing was asked that has not been answered

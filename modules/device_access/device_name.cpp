@@ -4,6 +4,7 @@
 #include <sys/un.h>
 
 #include <algorithm>
+#include <charconv>
 
 namespace device_access {
 namespace {
@@ -13,6 +14,7 @@ constexpr std::int32_t kNetwork = 2;
 constexpr std::string_view kUnixPrefix = "unix:";
 constexpr std::string_view kUsbPrefix = "usb:";
 constexpr std::size_t kMaxHostBytes = 253;
+constexpr std::size_t kMaxSerialBytes = 126;  // the longest string that a USB device can have
 
 bool isHostCharacter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '.' || c == '_';
@@ -43,6 +45,29 @@ bool parsePort(std::string_view digits, std::uint16_t& port) {
   return true;
 }
 
+// Four hexadecimal digits of either case.
+bool parseUsbId(std::string_view digits, std::uint16_t& id) {
+  const char* const end = digits.data() + digits.size();
+  const auto parsed = std::from_chars(digits.data(), end, id, 16);
+  return digits.size() == 4 && parsed.ec == std::errc() && parsed.ptr == end;
+}
+
+// What follows "usb:". A serial number may hold colons and is compared as it stands.
+NameFault parseUsbName(std::string_view text, DeviceName& parsed) {
+  constexpr std::size_t kIdsBytes = 9;  // VVVV:PPPP
+  parsed.kind = DeviceName::Kind::Usb;
+  if (text.size() < kIdsBytes || text[4] != ':') return NameFault::BadUsb;
+  if (!parseUsbId(text.substr(0, 4), parsed.vendorId)) return NameFault::BadUsb;
+  if (!parseUsbId(text.substr(5, 4), parsed.productId)) return NameFault::BadUsb;
+  if (text.size() == kIdsBytes) return NameFault::None;
+  const std::string_view serial = text.substr(kIdsBytes + 1);
+  const auto printable = [](char c) { return c >= ' ' && c <= '~'; };
+  if (text[kIdsBytes] != ':' || serial.empty() || serial.size() > kMaxSerialBytes) return NameFault::BadUsb;
+  if (!std::all_of(serial.begin(), serial.end(), printable)) return NameFault::BadUsb;
+  parsed.serial = serial;
+  return NameFault::None;
+}
+
 NameFault parseNetworkName(std::string_view text, DeviceName& parsed) {
   parsed.kind = DeviceName::Kind::Tcp;
   if (text.starts_with(kUnixPrefix) || text.starts_with(kUsbPrefix)) return NameFault::MisplacedPrefix;
@@ -66,7 +91,7 @@ NameFault parseNetworkName(std::string_view text, DeviceName& parsed) {
 }
 
 NameFault parseDirectName(std::string_view text, DeviceName& parsed) {
-  if (text.starts_with(kUsbPrefix)) return NameFault::UsbNotSupported;
+  if (text.starts_with(kUsbPrefix)) return parseUsbName(text.substr(kUsbPrefix.size()), parsed);
   if (!text.starts_with(kUnixPrefix)) return NameFault::UnknownKind;
   const std::string_view path = text.substr(kUnixPrefix.size());
   if (path.empty() || path.size() >= sizeof(sockaddr_un::sun_path)) return NameFault::BadPath;

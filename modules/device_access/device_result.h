@@ -17,7 +17,14 @@ inline constexpr std::uint32_t kLost = 0x40500007;            // errno, or 0 whe
 inline constexpr std::uint32_t kWriteTimeout = 0x40500008;    // bytes that had been taken when the time was up
 inline constexpr std::uint32_t kBadArgument = 0x40500009;     // 0: no buffer, or a size below 0
 inline constexpr std::uint32_t kNoResource = 0x4050000A;      // errno: no memory, no descriptor left
-inline constexpr std::uint32_t kReadTimeout = 0x40500031;     // 0
+inline constexpr std::uint32_t kDeviceAbsent =
+    0x4050000B;  // USB: 0 not plugged in, ENODEV unplugged, ENOSYS no USB here
+inline constexpr std::uint32_t kDeviceBusy =
+    0x4050000C;  // USB: EBUSY another program has it, EAGAIN it goes on sending
+inline constexpr std::uint32_t kNoPermission = 0x4050000D;     // errno: this user may not open the USB device
+inline constexpr std::uint32_t kSeveralDevices = 0x4050000E;   // number of USB devices that the name fits
+inline constexpr std::uint32_t kNoBulkEndpoints = 0x4050000F;  // USB: 0 no interface of the kind, ENOENT not configured
+inline constexpr std::uint32_t kReadTimeout = 0x40500031;      // 0
 
 // Why a device name was refused.
 enum class NameFault : std::uint32_t {
@@ -28,7 +35,7 @@ enum class NameFault : std::uint32_t {
   BadPort = 4,          // not a number from 1 to 65535
   BadAddress = 5,       // brackets without an IPv6 address in them
   BadPath = 6,          // a socket path that is empty or longer than the system takes
-  UsbNotSupported = 7,  // a USB name: this module reaches no USB devices
+  BadUsb = 7,           // "usb:" without two ids of four hexadecimal digits, or with a serial number that is none
   MisplacedPrefix = 8,  // "unix:" or "usb:" on a network connection
 };
 

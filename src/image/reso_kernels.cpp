@@ -136,6 +136,7 @@ QS_INLINE void halve(const std::uint8_t* upper, const std::uint8_t* lower, std::
   }
 }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): an attribute cannot stand in parentheses.
 // One set: the loops above, compiled for what `target` names.
 #define QS_KERNEL_SET(set, target)                                                                                  \
   target void mixRows_##set(const std::uint8_t* const rows[4], const std::int32_t weights[4], std::size_t count,    \
@@ -179,6 +180,7 @@ QS_INLINE void halve(const std::uint8_t* upper, const std::uint8_t* lower, std::
                                       means_##set,                                                                  \
                                       halve_##set};
 
+// NOLINTEND(bugprone-macro-parentheses)
 QS_KERNEL_SET(baseline, )
 #if defined(__x86_64__)
 QS_KERNEL_SET(sse41, __attribute__((target("sse4.1"))))

@@ -66,6 +66,7 @@ struct NameCase {
 TEST_F(DeviceAccess, RefusesABadNameAndSaysWhy) {
   const std::string longPath = "unix:/" + std::string(200, 'x');
   const std::string longHost(300, 'h');
+  const std::string longSerial = "usb:fff0:00a1:" + std::string(127, 's');
   const NameCase rows[] = {
       {"", 1, NameFault::Empty},
       {"", 2, NameFault::Empty},
@@ -73,8 +74,22 @@ TEST_F(DeviceAccess, RefusesABadNameAndSaysWhy) {
       {"/dev/usb/scanner0", 1, NameFault::UnknownKind},
       {"127.0.0.1", 0, NameFault::UnknownKind},
       {"127.0.0.1", 3, NameFault::UnknownKind},
-      {"usb:fff0:1234", 1, NameFault::UsbNotSupported},
-      {"usb:fff0:1234:SERIAL", 1, NameFault::UsbNotSupported},
+      {"usb:", 1, NameFault::BadUsb},
+      {"usb:fff0", 1, NameFault::BadUsb},
+      {"usb:fff0:", 1, NameFault::BadUsb},
+      {"usb:fff0:00a", 1, NameFault::BadUsb},
+      {"usb:fff0:00a1:", 1, NameFault::BadUsb},
+      {"usb:fff0:00a10", 1, NameFault::BadUsb},
+      {"usb:fff0:00a1x", 1, NameFault::BadUsb},
+      {"usb:ff0:000a1", 1, NameFault::BadUsb},
+      {"usb:fff0-00a1", 1, NameFault::BadUsb},
+      {"usb:fffg:00a1", 1, NameFault::BadUsb},
+      {"usb:0xff:00a1", 1, NameFault::BadUsb},
+      {"usb:-ff0:00a1", 1, NameFault::BadUsb},
+      {"usb: ff0:00a1", 1, NameFault::BadUsb},
+      {"usb:fff0:00a1:tab\there", 1, NameFault::BadUsb},
+      {"usb:fff0:00a1:\xC3\xA9", 1, NameFault::BadUsb},
+      {longSerial.c_str(), 1, NameFault::BadUsb},
       {"unix:", 1, NameFault::BadPath},
       {longPath.c_str(), 1, NameFault::BadPath},
       {"unix:/run/scanner", 2, NameFault::MisplacedPrefix},
@@ -112,6 +127,14 @@ TEST_F(DeviceAccess, RefusesABadNameAndSaysWhy) {
   orvalle_scan_api::_DEV_IDENTIFIER nameless{0, 2, nullptr};
   EXPECT_EQ(access_->Open(nameless), static_cast<int>(kNameRefused));
   EXPECT_EQ(access_->lastDetail, static_cast<std::uint32_t>(NameFault::Empty));
+}
+
+TEST_F(DeviceAccess, AUsbDeviceThatIsNotPluggedInIsAbsent) {
+  for (const char* const name : {"usb:fff0:00a1", "usb:FFF0:00A1:S1"}) {
+    EXPECT_EQ(open(1, name), static_cast<int>(kDeviceAbsent));
+    expectFailure(kDeviceAbsent);
+    EXPECT_FALSE(access_->IsOpen());
+  }
 }
 
 TEST_F(DeviceAccess, AHostThatNobodyKnowsIsNotFound) {
@@ -240,7 +263,10 @@ TEST_F(DeviceAccess, ADeviceThatTakesNothingEndsTheWriteAfterTenSeconds) {
 }
 
 TEST_F(DeviceAccess, WritingToAVanishedDeviceFailsWithoutASignal) {
-  LoopbackDevice device([](const Client& client) { client.resetOnClose(); });
+  LoopbackDevice device([](const Client& client) {
+    client.receive(1);  // so that it is there while the connection is looked at
+    client.resetOnClose();
+  });
   connect(device);
   int written = 1;
   for (int i = 0; i < 200 && written > 0; ++i) {
@@ -284,6 +310,34 @@ std::vector<int> openDescriptors() {
     if (fcntl(descriptor, F_GETFD) >= 0) open.push_back(descriptor);
   }
   return open;
+}
+
+int optionOf(int descriptor, int level, int option) {
+  int value = 0;
+  socklen_t valueBytes = sizeof(value);
+  getsockopt(descriptor, level, option, &value, &valueBytes);
+  return value;
+}
+
+TEST_F(DeviceAccess, ATcpConnectionSendsAtOnceAndIsProbedWhileSilent) {
+  for (const auto kind : {LoopbackDevice::Kind::Ipv4, LoopbackDevice::Kind::Ipv6}) {
+    LoopbackDevice device(stayOpen, kind);
+    if (!device.listening()) continue;
+    connect(device);
+    int ours = 0;
+    for (const int descriptor : openDescriptors()) {
+      sockaddr_in6 peer{};  // the port stands in the same place for both families
+      socklen_t peerBytes = sizeof(peer);
+      if (getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &peerBytes) != 0) continue;
+      if (ntohs(peer.sin6_port) != device.port()) continue;
+      ++ours;
+      EXPECT_NE(optionOf(descriptor, IPPROTO_TCP, TCP_NODELAY), 0);
+      EXPECT_NE(optionOf(descriptor, SOL_SOCKET, SO_KEEPALIVE), 0);
+      EXPECT_LE(optionOf(descriptor, IPPROTO_TCP, TCP_KEEPIDLE), 60);
+    }
+    EXPECT_EQ(ours, 1);
+    access_->Close();
+  }
 }
 
 TEST_F(DeviceAccess, ItsDescriptorsAreNotInheritedAndNoneIsLeft) {

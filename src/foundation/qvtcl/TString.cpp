@@ -124,7 +124,7 @@ void CTString::shrinkToSmall() {
 
 std::string_view CTString::view() const {
   if (isSmall) return {small, length};
-  return heap == nullptr ? std::string_view("", 0) : std::string_view(heap, std::min(length, capacity - 1));
+  return heap == nullptr ? std::string_view("") : std::string_view(heap, std::min(length, capacity - 1));
 }
 
 const char* CTString::wholeText() const { return view().size() == length ? C_str() : nullptr; }
