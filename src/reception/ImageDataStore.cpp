@@ -31,9 +31,9 @@ int clampedInt(std::uint64_t value) {
 void askForHugePages(void* block, std::size_t size) {
 #ifdef MADV_HUGEPAGE
   constexpr std::uintptr_t kHugePage = std::uintptr_t{2} << 20;
-  const auto begin = (reinterpret_cast<std::uintptr_t>(block) + kHugePage - 1) & ~(kHugePage - 1);
-  const auto end = (reinterpret_cast<std::uintptr_t>(block) + size) & ~(kHugePage - 1);
-  if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+  const std::uintptr_t skipped = (kHugePage - reinterpret_cast<std::uintptr_t>(block) % kHugePage) % kHugePage;
+  if (size < skipped + kHugePage) return;
+  madvise(static_cast<unsigned char*>(block) + skipped, (size - skipped) / kHugePage * kHugePage, MADV_HUGEPAGE);
 #endif
 }
 
