@@ -120,7 +120,10 @@ TEST(ScanFeatures, EachSetsItsFieldsOfTheRecord) {
     std::memset(&expected, 0, sizeof expected);
     expected.colorType = COLORTYPE_COLOR24BIT;
     row.expect(expected);
-    const Settings made = settingsWith(row.option, row.level);
+    Settings made = settingsWith(row.option, row.level);
+    // A group that is set as a whole leaves anything in the gaps between its members.
+    __builtin_clear_padding(&expected);
+    __builtin_clear_padding(&made);
     EXPECT_EQ(std::memcmp(&made, &expected, sizeof made), 0);
   }
 }
