@@ -8,6 +8,8 @@
 
 #include "foundation/qvtcl/TTime.h"
 #include "foundation/trace.h"
+#include "settings/AdjustScanSetting.h"
+#include "settings/ScanParam.h"
 
 namespace orvalle_scan_api {
 namespace {
@@ -361,6 +363,26 @@ QSRSLT CReadThread_base::escapeRest(const unsigned char* position, const unsigne
   }
   g_ScanDevApiLog.WriteLog(0, "Escape %d bytes data", static_cast<int>(rest));
   *escapeSize = rest;
+  return QSRSLT_SUCCESS;
+}
+
+QSRSLT CReadThread_base::negotiate(_SCANCMD_SCANPARAM& command, ACTUALSCANPARAM& actual) {
+  CScanParam settings;
+  m_userParam = CAdjustScanSetting().ConvertUserSetting(m_userParam, m_capability);  // 1
+  command = settings.ConvertScanPramToCmdParam(m_userParam, m_capability);           // 2
+  if (!m_pScanCmd->SelectCommandVersion(m_capability.generation)) {                  // 3
+    return QSRSLT_SCAN_GENERATION;
+  }
+  if (const QSRSLT result = m_pScanCmd->SetScanParam(&command); result != 0) return result;                   // 4
+  if (const QSRSLT result = settings.GetDeviceActualParam(m_pScanCmd, &actual, m_capability); result != 0) {  // 5
+    g_ScanDevApiLog.WriteLog(0, "Get Device Param failed");
+    return result;
+  }
+  command.resolution.x = actual.resolution.x;  // 6
+  command.resolution.y = actual.resolution.y;
+  command.scanArea = settings.CalcScanCmdArea(actual.resolution.x, actual.resolution.y, actual.paperSource,
+                                              actual.maxSizePixel, m_userParam, m_capability);
+  command.scanArea = settings.ReviseScanCmd_Area(command.scanArea, actual, m_capability);
   return QSRSLT_SUCCESS;
 }
 

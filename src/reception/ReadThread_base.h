@@ -22,7 +22,9 @@
 #include <mutex>
 #include <vector>
 
+#include "command/scancmd_param.h"
 #include "image/DecodeManage.h"
+#include "parse/parse_records.h"
 #include "reception/IReadThread.h"
 #include "reception/ImageData.h"
 
@@ -50,6 +52,11 @@ class CReadThread_base : public IReadThread {
   virtual QSRSLT DispatchReceivedData(unsigned char* bytes, unsigned int size, unsigned char** escape,
                                       unsigned int* escapeSize) = 0;
   virtual QSRSLT ConvertDeviceErrorToQSRSLT(unsigned short deviceError) = 0;
+
+  // The first steps of StartScan, the same for both generations: adjusts m_userParam, sends the wishes, takes what the
+  // device will really do, and puts its resolution and the area that follows from it into the command record.
+  //   0x1010000C  the generation could not be selected    or the code of the command that failed
+  QSRSLT negotiate(_SCANCMD_SCANPARAM& command, ACTUALSCANPARAM& actual);
 
   // Kept: the unit is milliseconds in spite of the name. 0 or less keeps the old value.
   void SetScanTimeOutSec(long milliseconds);

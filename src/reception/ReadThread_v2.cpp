@@ -6,7 +6,6 @@
 #include "foundation/trace.h"
 #include "modules/ScanDec.h"
 #include "reception/device_errors.h"
-#include "settings/AdjustScanSetting.h"
 #include "settings/ConvertUnit.h"
 #include "settings/PaperSize.h"
 #include "settings/ScanParam.h"
@@ -41,28 +40,12 @@ QSRSLT CReadThread_v2::GetColorProfile(void** data, int* size, int bpp) {
 
 QSRSLT CReadThread_v2::StartScan() {
   Trace trace("StartScan");
-  CScanParam settings;
-  m_userParam = CAdjustScanSetting().ConvertUserSetting(m_userParam, m_capability);            // 1
-  _SCANCMD_SCANPARAM command = settings.ConvertScanPramToCmdParam(m_userParam, m_capability);  // 2
-  if (!m_pScanCmd->SelectCommandVersion(m_capability.generation)) {                            // 3
-    return trace.ret(QSRSLT_SCAN_GENERATION);
-  }
-  if (const QSRSLT result = m_pScanCmd->SetScanParam(&command); result != 0) return trace.ret(result);  // 4
-  if (const QSRSLT result = settings.GetDeviceActualParam(m_pScanCmd, &m_actualParam, m_capability);
-      result != 0) {  // 5
-    g_ScanDevApiLog.WriteLog(0, "Get Device Param failed");
-    return trace.ret(result);
-  }
-  command.resolution.x = m_actualParam.resolution.x;  // 6
-  command.resolution.y = m_actualParam.resolution.y;
-  command.scanArea =
-      settings.CalcScanCmdArea(m_actualParam.resolution.x, m_actualParam.resolution.y, m_actualParam.paperSource,
-                               m_actualParam.maxSizePixel, m_userParam, m_capability);
-  command.scanArea = settings.ReviseScanCmd_Area(command.scanArea, m_actualParam, m_capability);
-  if (const QSRSLT result = m_pScanCmd->SetScanParam(&command); result != 0) return trace.ret(result);  // 7
-  if (const QSRSLT result = fetchColorProfile(); result != 0) return trace.ret(result);                 // 8
-  const QSRSLT started = m_pScanCmd->StartScanning();                                                   // 9
-  m_deviceParam = settings.CreateDeviceScanParam(m_userParam, command, m_actualParam.maxSizePixel);     // 10
+  _SCANCMD_SCANPARAM command{};
+  if (const QSRSLT result = negotiate(command, m_actualParam); result != 0) return trace.ret(result);    // 1 to 6
+  if (const QSRSLT result = m_pScanCmd->SetScanParam(&command); result != 0) return trace.ret(result);   // 7
+  if (const QSRSLT result = fetchColorProfile(); result != 0) return trace.ret(result);                  // 8
+  const QSRSLT started = m_pScanCmd->StartScanning();                                                    // 9
+  m_deviceParam = CScanParam().CreateDeviceScanParam(m_userParam, command, m_actualParam.maxSizePixel);  // 10
   rememberHeightLimit();
   return trace.ret(started);  // 11
 }
