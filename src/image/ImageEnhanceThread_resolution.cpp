@@ -64,11 +64,12 @@ class ResolutionChange {
     return QSRSLT_SUCCESS;
   }
 
-  // What the last lines still give goes out as one block; the page is then as high as it came out.
+  // What the last lines still give goes out as one block; the page is then as high as it came out. Behind a failure
+  // nothing is written: a later block that found room would make a page with a hole look whole.
   QSRSLT flush(QSRSLT result) {
     int lines = 0;
     const int bytes = m_reso.ChangeResoWriteEnd(&m_write, &lines);
-    if (bytes <= 0) return result;
+    if (result != QSRSLT_SUCCESS || bytes <= 0) return result;
     result = m_target.WriteDataBlock(m_buffer.get(), static_cast<unsigned>(bytes));
     if (result == QSRSLT_SUCCESS) m_target.SetImageHeight(m_total + lines);
     return result;
