@@ -76,6 +76,12 @@ class FakeUsb final : public device_access::UsbCalls {
     append(*transfer, bytes);
     finish(transfer, status);
   }
+  // From now on the device always has something more to send.
+  void neverFallSilent() {
+    const std::lock_guard lock(mutex_);
+    endless_ = true;
+    fillTransfers();
+  }
   void unplug() {
     const std::lock_guard lock(mutex_);
     unplugged_ = true;
@@ -315,6 +321,7 @@ class FakeUsb final : public device_access::UsbCalls {
     changed_.notify_all();
   }
   void fillTransfers() {
+    if (endless_ && outbox_.empty()) outbox_.push_back({std::string(1000, 's'), true});
     while (!outbox_.empty()) {
       const auto oldest = nthIn(0);
       if (oldest == pending_.end()) {
@@ -358,6 +365,7 @@ class FakeUsb final : public device_access::UsbCalls {
   int outBytes_ = -1;
   int eventError_ = 0;
   int eventErrors_ = 0;
+  bool endless_ = false;
   bool unplugged_ = false;
   bool starved_ = false;
 };
