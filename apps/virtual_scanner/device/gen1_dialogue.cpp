@@ -115,15 +115,15 @@ Outcome ignoreAbort(Dialogue& dialogue, const Frame& frame) {
 
 std::span<const CommandRow> commands() {
   static const CommandRow rows[] = {
-      {"Q", kBlockShape, "device information", tellDevice},
-      {"D", kStatusByte, "document check", checkDocument},
-      {"S", kStatusByte, "paper source", selectSource},
-      {"I", kTextAnswer, "granted settings", tellGranted},
-      {"E", kTextAnswer, "document corners", tellDocument},
-      {"K", kTextAnswer, "panel keys", tellKeys},
-      {"P", kPlainAnswer, "palette", tellPalette},
-      {"X", kStatusByte, "start", startScan, true},
-      {"R", {}, "abort", ignoreAbort},
+      {"Q", kBlockShape, "device information", Need::Nothing, tellDevice},
+      {"D", kStatusByte, "document check", Need::Turn, checkDocument},
+      {"S", kStatusByte, "paper source", Need::Keeping, selectSource},
+      {"I", kTextAnswer, "granted settings", Need::Keeping, tellGranted},
+      {"E", kTextAnswer, "document corners", Need::Turn, tellDocument},
+      {"K", kTextAnswer, "panel keys", Need::Nothing, tellKeys},
+      {"P", kPlainAnswer, "palette", Need::Nothing, tellPalette},
+      {"X", kStatusByte, "start", Need::Turn, startScan, true},
+      {"R", {}, "abort", Need::Nothing, ignoreAbort},
   };
   return rows;
 }

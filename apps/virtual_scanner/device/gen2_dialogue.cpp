@@ -107,16 +107,16 @@ Outcome ignoreAbort(Dialogue& dialogue, const Frame& frame) {
 
 std::span<const CommandRow> commands() {
   static const CommandRow rows[] = {
-      {"Q", kGenerationShape, "generation", tellGeneration},
-      {"QDI", framedShape("QDI"), "device information", tellDevice},
-      {"CKD", kTwoBytes, "document check", checkDocument},
-      {"SSP", framedShape("SSP"), "granted settings", grantSettings},
-      {"GKP", framedShape("GKP"), "panel keys", tellKeys},
-      {"GCT", framedShape("GCT"), "palette", tellPalette},
-      {"GCP", framedShape("GCP"), "colour profiles", tellColorProfiles},
-      {"GDS", framedShape("GDS"), "document size", tellDocument},
-      {"XSC", kTwoBytes, "start", startScan, true},
-      {"ABT", {}, "abort", ignoreAbort},
+      {"Q", kGenerationShape, "generation", Need::Nothing, tellGeneration},
+      {"QDI", framedShape("QDI"), "device information", Need::Nothing, tellDevice},
+      {"CKD", kTwoBytes, "document check", Need::Turn, checkDocument},
+      {"SSP", framedShape("SSP"), "granted settings", Need::Keeping, grantSettings},
+      {"GKP", framedShape("GKP"), "panel keys", Need::Nothing, tellKeys},
+      {"GCT", framedShape("GCT"), "palette", Need::Nothing, tellPalette},
+      {"GCP", framedShape("GCP"), "colour profiles", Need::Nothing, tellColorProfiles},
+      {"GDS", framedShape("GDS"), "document size", Need::Turn, tellDocument},
+      {"XSC", kTwoBytes, "start", Need::Turn, startScan, true},
+      {"ABT", {}, "abort", Need::Turn, ignoreAbort},
   };
   return rows;
 }
