@@ -1,4 +1,5 @@
 #include "device/dialogue.h"
+#include "device/offers.h"
 #include "image/icc_profiles.h"
 #include "image/palette.h"
 #include "protocol/gen2_answers.h"
@@ -47,7 +48,10 @@ Outcome startScan(Dialogue& dialogue, const Frame& frame) {
   StartSettings start;
   if (const auto refusal = readStart(frame, start)) return *refusal;
   if (!dialogue.granted) return Refusal{"XSC needs an SSP before it on the same connection", frame.bytes};
-  regrantResolution(dialogue.device.profile, start.resolution, *dialogue.granted);
+  const Profile& profile = dialogue.device.profile;
+  regrantResolution(profile, start.resolution, *dialogue.granted);
+  if (const auto reason = notOffered(profile.abilities(), *dialogue.granted, start))
+    return Refusal{*reason, frame.bytes};
   return scan(dialogue, *dialogue.granted, start);
 }
 

@@ -177,7 +177,7 @@ ScanRun::Outcome ScanRun::pace() {
   if (device_.options.pagesPerMinute <= 0) return Outcome::Going;
   const Outcome flushed = flush();
   if (flushed != Outcome::Going) return flushed;
-  const std::chrono::duration<double> perPage(60 / device_.options.pagesPerMinute);
+  const std::chrono::duration<double> perPage((scan_.settings.isQuiet ? 2 : 1) * 60 / device_.options.pagesPerMinute);
   nextPageMayEnd_ = std::max(nextPageMayEnd_, Connection::Clock::now() - std::chrono::seconds(1)) +
                     std::chrono::duration_cast<Connection::Clock::duration>(perPage);
   return waitUntil(nextPageMayEnd_);
