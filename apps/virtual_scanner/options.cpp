@@ -6,6 +6,8 @@
 namespace vscan {
 namespace {
 
+using namespace std::string_literals;
+
 constexpr const char* kScannerOption = "--scanner";
 
 void declareSheets(CLI::App& app, ScannerOptions& options) {
@@ -73,6 +75,8 @@ std::vector<Part> splitAtScanners(int argc, const char* const* argv) {
     const std::string argument = argv[i];
     if (argument == kScannerOption && i + 1 < argc) {
       parts.push_back({argv[++i], parts.front().arguments});
+    } else if (argument.starts_with(kScannerOption + "="s)) {
+      parts.push_back({argument.substr(argument.find('=') + 1), parts.front().arguments});
     } else {
       parts.back().arguments.push_back(argument);
     }

@@ -60,7 +60,7 @@ TEST(Gen1Commands, TheQuestionIsUnderstood) {
   EXPECT_EQ(request.settings.resolution, (Resolution{false, 200, 400}));
   EXPECT_EQ(request.settings.sides, Sides::Both);
   EXPECT_EQ(request.settings.color, ColorMode::ErrorDiffusion);
-  EXPECT_EQ(request.reading, Reading::Normal);
+  EXPECT_EQ(request.start.reading, Reading::Normal);
 }
 
 TEST(Gen1Commands, TheStartIsUnderstood) {
@@ -81,7 +81,9 @@ TEST(Gen1Commands, TheStartIsUnderstood) {
   EXPECT_EQ(request.settings.contrast, 100);
   EXPECT_EQ(request.settings.compression, Compression::RunLength);
   EXPECT_EQ(request.settings.maxSheets, 1);
-  EXPECT_TRUE(request.settings.findsDoubleFeeds);
+  EXPECT_TRUE(request.settings.doubleFeedDetection.isOn);
+  EXPECT_TRUE(request.settings.isLandscape);
+  EXPECT_EQ(request.start.reading, Reading::Deskewed);
   EXPECT_TRUE(request.settings.deskew);
   EXPECT_EQ(request.settings.backgroundRemoval, (Switch{true, -7}));
 }

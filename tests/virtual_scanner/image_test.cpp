@@ -73,7 +73,7 @@ TEST(Resample, UpAndDownAgainShowsTheSamePicture) {
 TEST(Tone, FiftyAndFiftyLeaveEachPixelAlone) {
   Raster picture = patternOf(64, 64, 3);
   const auto before = picture.pixels;
-  adjustTone(picture, 50, 50);
+  adjustTone(picture, {});
   EXPECT_EQ(picture.pixels, before);
 }
 
@@ -81,13 +81,13 @@ TEST(Tone, BrightnessShiftsAndContrastSpreads) {
   Raster picture(3, 1, 1);
   picture.pixels = {60, 128, 200};
   Raster bright = picture;
-  adjustTone(bright, 70, 50);
+  adjustTone(bright, {.brightness = 70});
   EXPECT_EQ(bright.pixels, (Bytes{111, 179, 251}));
   Raster harsh = picture;
-  adjustTone(harsh, 50, 75);
+  adjustTone(harsh, {.contrast = 75});
   EXPECT_EQ(harsh.pixels, (Bytes{0, 129, 255}));
   Raster soft = picture;
-  adjustTone(soft, 50, 0);
+  adjustTone(soft, {.contrast = 0});
   EXPECT_EQ(soft.pixels, (Bytes{94, 128, 164}));
 }
 

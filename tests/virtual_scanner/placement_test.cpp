@@ -64,7 +64,8 @@ TEST(Placement, TheScannedAreaIsCutToTheDevice) {
       {"no numbers: the sheet", AreaKind::Normal, {0, 0, 0, 0}, {35, 0, 2515, 3507}},
       {"no height below the sheet", AreaKind::Normal, {35, 4000, 2515, 4000}, {35, 4000, 2515, 4001}},
       {"automatic", AreaKind::Automatic, {}, {35, 0, 2515, 3507}},
-      {"full", AreaKind::Full, {}, {35, 0, 2515, 3507}},
+      {"full", AreaKind::Full, {}, {0, 0, 2550, 4200}},
+      {"the sheet without a rim", AreaKind::Over, {}, {35, 0, 2515, 3507}},
   };
   for (const auto& row : rows) EXPECT_EQ(scannedArea(row.kind, row.numbers, sheet, maximum), row.expected) << row.name;
   EXPECT_EQ(scannedArea(AreaKind::Automatic, {}, {0, 0, 3000, 9000}, maximum), (Rect{0, 0, 2550, 4200}));

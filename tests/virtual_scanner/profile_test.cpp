@@ -61,6 +61,10 @@ TEST(Profile, WhatIsWrongIsSaidInASentence) {
       {R"({"capability": {"duplex": "two"}})", "duplex needs a whole number"},
       {R"({"capability": {"duplex": "0x"}})", "duplex needs a whole number"},
       {R"({"capability": {"duplex": 1.5}})", "duplex needs a whole number"},
+      {R"({"capability": {"duplex": "0x-1"}})", "duplex needs a whole number"},
+      {R"({"capability": {"marginSize": 18446744073709551615}})", "marginSize needs a whole number"},
+      {R"({"capability": {"duplex": {}}})", "duplex needs a whole number, such as 258 or \"0x0102\", not {}"},
+      {"{\"name\": \"\xFF\"}", "parse error"},
       {R"({"capability": {"duplex": 300}})", "duplex holds values from 0 to 255, not 300"},
       {R"({"capability": {"duplex": [1, 2]}})", "duplex has 1 place(s)"},
       {R"({"capability": {"modelName": 5}})", "modelName needs a text"},
@@ -98,7 +102,7 @@ TEST(Profile, AWrongOverrideIsSaidWithItsText) {
   Profile profile = loadProfile(QS_PROFILES "/office.json");
   for (const char* text :
        {"compressType", "compressType[9]=1", "compressType[x]=1", "compressType[]=1", "compressType[1=1", "nosuch=1",
-        "paperSource=0", "duplex=256", "duplex=", "name=x", "compressType=[1,0x2]"}) {
+        "paperSource=0", "duplex=256", "duplex=", "name=x", "compressType=[1,0x2]", "duplex=\xFF"}) {
     const std::string words = failureOf([&] { overrideProfile(profile, text); });
     EXPECT_NE(words.find(text), std::string::npos) << text << ": " << words;
   }

@@ -93,7 +93,7 @@ TEST(Program, SeveralScannersServeAtTheSameTimeEachInItsGeneration) {
   const test::TempFolder folder;
   test::writePng(folder.file("sheet.png"), test::patternOf(48, 30, 1), 300);
   Program program({"--reload", "--scanner", "front desk", "--listen", "127.0.0.1:0", folder.file("sheet.png"),
-                   "--scanner", "attic", "--profile", "classic", "--listen", "127.0.0.1:0", folder.file("sheet.png"),
+                   "--scanner=attic", "--profile", "classic", "--listen", "127.0.0.1:0", folder.file("sheet.png"),
                    "--scanner", "lab", "--profile", "flatbed", "--unix", folder.file("lab")});
   const std::string first = program.outLine();
   const std::string second = program.outLine();

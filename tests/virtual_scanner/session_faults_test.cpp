@@ -140,9 +140,16 @@ TEST_F(StreamFaultTest, ADoubleFeedIsAnErrorOnlyWhereTheHostLooksForIt) {
   Host second = connect();
   EXPECT_EQ(scanSecond(second, {{"DTDF", "OFF"}}).pages.size(), 2u);
   EXPECT_EQ(scanSecond(second, {{"DTDF", "ON"}}).endResult, 0x92);
-  EXPECT_EQ(scanSecond(second, {{"DTDF", "3"}}).endResult, 0x92);
   stop();
-  serveWith(classic_, {"double-feed@page=2"});
+  Profile graded = office_;
+  graded.capability.set("multifeed", 0, 3);
+  serveWith(graded, {"double-feed@page=2"});
+  Host careful = connect();
+  EXPECT_EQ(scanSecond(careful, {{"DTDF", "3"}}).endResult, 0x92);
+  stop();
+  Profile older = classic_;
+  older.capability.set("landscape", 0, 1);
+  serveWith(older, {"double-feed@page=2"});
   Host first = connect();
   EXPECT_EQ(scanFirst(first, {{"E", "0"}}).endStatus, 0x80);
   EXPECT_EQ(scanFirst(first, {{"E", "1"}}).endStatus, 0xC8);

@@ -170,6 +170,18 @@ TEST_F(SheetFileTest, ACutFileNeverDoesMoreHarmThanBeingRefused) {
   }
 }
 
+TEST_F(SheetFileTest, AJpegThatEndsEarlyIsNotTakenForGrey) {
+  const std::string whole = stringOf(encodeJpeg(patternOf(300, 200, 3), 90, JpegSampling::Yuv420, 300, 300));
+  const std::string path = folder_.file("cut.jpg");
+  test::writeFile(path, whole.substr(0, whole.size() / 2));
+  try {
+    openSheetFile(path)->load(0, 300, 300);
+    ADD_FAILURE() << "it was taken";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.what(), path + " is broken: it ends before its picture does");
+  }
+}
+
 TEST(CheckSheetSize, NothingAndTooMuchAreRefused) {
   EXPECT_NO_THROW(checkSheetSize("a", 1, 1));
   EXPECT_NO_THROW(checkSheetSize("a", 10000, 20000));

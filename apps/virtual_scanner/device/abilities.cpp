@@ -20,6 +20,8 @@ Abilities ofSecond(const Capability& device) {
       one.margins[side] = device.at("marginSize", one.margins.size() * path + side);
     }
     one.straightens = hasBit(device.at("deskew"), path);
+    one.takesLandscape = hasBit(device.at("landscape"), path);
+    one.findsSize = hasBit(device.at("autoDocSize"), path);
   }
   can.paths[1].longLength = device.at("longPaperSimplex");
   can.paths[2].longLength = device.at("longPaperDuplex");
@@ -32,8 +34,24 @@ Abilities ofSecond(const Capability& device) {
     can.thresholdMax = device.at("monoThresholdMax");
   }
   can.findsDoubleFeeds = hasBit(device.at("multifeed"), 0);
+  can.gradesDoubleFeeds = hasBit(device.at("multifeed"), 1);
   can.judgesColor = hasBit(device.at("autoColorLevel"), 0);
+  can.gradesGrey = device.at("autoColorRangeB") >= 2;
   can.hasColorProfiles = device.at("colorProfile") == 1;
+  can.findsEdges = device.at("autoCrop") == 1;
+  can.overScans = hasBit(device.at("overScan"), 0);
+  can.scansBacksOnly = device.at("adfOnlyBackScan") == 1;
+  can.takesCarrierSheets = device.at("carrierSheet") == 1;
+  if (device.at("carrierOffset") != 0) can.carrierOffset = device.at("carrierOffset");
+  can.takesPlasticCards = device.at("plasticCard") != 0;
+  can.imageProcessings = device.at("specialDocument");
+  for (const std::size_t i : {0u, 1u, 2u, 4u}) can.backgroundLevels[i] = device.at("backgroundRemove", i);
+  can.findsBlankPages = hasBit(device.at("blankRemove"), 0);
+  can.gradesBlankPages = hasBit(device.at("blankRemove"), 2);
+  can.removesMoire = device.at("moire") == 1;
+  can.moireDpi = {device.at("moireMaxX"), device.at("moireMaxY")};
+  can.gammaMax = device.at("gammaRange");
+  can.isQuietOnWish = device.at("quietScan") == 1;
   return can;
 }
 
@@ -69,6 +87,12 @@ Abilities ofFirst(const Capability& device) {
   can.compressions = {kLines, kLines, kLines | kJpeg, 1, kLines | kJpeg};
   can.jpegSamplings = kHostsUse420;
   can.findsDoubleFeeds = device.at("multifeed") != 0;
+  can.findsEdges = hasBit(device.at("scanFunc"), 0);
+  can.findsCorners = hasBit(device.at("scanFunc"), 1) || hasBit(device.at("scanFunc"), 2);
+  if (device.at("removeBackground") != 0) can.backgroundLevels = {255, 255, 0, 0, 0};
+  for (const Path path : {Path::FeederOneSide, Path::FeederBothSides}) {
+    can.paths[static_cast<std::size_t>(path)].takesLandscape = device.at("landscape") != 0;
+  }
   return can;
 }
 

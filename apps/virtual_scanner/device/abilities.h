@@ -17,6 +17,8 @@ struct PathAbilities {
   std::int64_t longLength = 0;            // of long paper; 0 = none
   std::array<std::int64_t, 4> margins{};  // left, right, top, bottom of a sheet that cannot be seen; the same unit
   bool straightens = false;
+  bool takesLandscape = false;  // sheets with their left edge first
+  bool findsSize = false;       // of a sheet, for areas that follow it
 };
 
 struct Abilities {
@@ -31,8 +33,25 @@ struct Abilities {
   std::int64_t thresholdMin = 1;               // of a threshold that the host gives; the minimum above
   std::int64_t thresholdMax = 0;               // the maximum: none can be given
   bool findsDoubleFeeds = false;
+  bool gradesDoubleFeeds = false;  // takes a level with it
   bool judgesColor = false;
+  bool gradesGrey = false;  // takes a level for grey pages beside that for colour
   bool hasColorProfiles = false;
+  bool findsEdges = false;
+  bool findsCorners = false;
+  bool overScans = false;
+  bool scansBacksOnly = false;
+  bool takesCarrierSheets = false;
+  std::int64_t carrierOffset = 320;  // from the beginning of a carrier sheet to that of the sheet in it; the same unit
+  bool takesPlasticCards = false;
+  std::int64_t imageProcessings = 0;               // bit 0 copy, 1 OCR, 2 photo, 3 text and graphics
+  std::array<std::int64_t, 5> backgroundLevels{};  // of removal, for each of the colours; 0 = none
+  bool findsBlankPages = false;
+  bool gradesBlankPages = false;
+  bool removesMoire = false;
+  std::array<std::int64_t, 2> moireDpi{};  // up to here; 0 = any
+  std::int64_t gammaMax = 0;               // hundredths; 0 = no gamma
+  bool isQuietOnWish = false;
 
   const PathAbilities& of(Path path) const { return paths[static_cast<std::size_t>(path)]; }
 };

@@ -1,5 +1,6 @@
 // The scanner itself: what outlives a connection.
-// Threads: used by the thread that serves connections, but for the panel.
+// Threads: profile and options are read by all that serve hosts; the feeder belongs to the host whose turn it is; panel
+// and turn are for any.
 #pragma once
 #include <memory>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "device/panel.h"
 #include "device/paper_path.h"
 #include "device/profile.h"
+#include "device/turn.h"
 #include "net/connection.h"
 #include "support/log.h"
 
@@ -28,7 +30,8 @@ struct Device {
   Feeder feeder;
   Face bed;  // without a file: nothing lies on it
   DeviceOptions options;
-  std::unique_ptr<Panel> panel = std::make_unique<Panel>();  // never null; shared with the control thread
+  std::unique_ptr<Panel> panel = std::make_unique<Panel>();  // never null
+  std::unique_ptr<Turn> turn = std::make_unique<Turn>();     // never null
 };
 
 // The face that a scan of that path would meet next; without a file when there is none.

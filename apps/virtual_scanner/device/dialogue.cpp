@@ -41,7 +41,10 @@ bool hasDocument(const Device& device, PaperSource source) {
 
 Outcome scan(Dialogue& dialogue, const GrantedScan& granted, const StartSettings& start) {
   dialogue.device.panel->release();  // whatever the host scans for, it has seen the button
-  ScanRun(dialogue.device, dialogue.connection, dialogue.log, granted, start).run();
+  ScanRun run(dialogue.device, dialogue.connection, dialogue.log, granted, start);
+  run.run();
+  // A page that nobody takes any more may still be in the making; the next host has not to wait for it.
+  dialogue.device.turn->leave(&dialogue);
   return NoReply{};
 }
 

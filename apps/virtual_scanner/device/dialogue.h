@@ -1,6 +1,6 @@
 // What a host and the scanner say to each other: one row for each command of a generation, in gen1_dialogue.cpp and
 // gen2_dialogue.cpp.
-// Threads: used by the thread that serves the connection.
+// Threads: used by the thread that serves the connection; other hosts are served by threads of their own.
 #pragma once
 #include <optional>
 #include <span>
@@ -34,10 +34,18 @@ struct NoReply {};
 
 using Outcome = std::variant<Reply, Refusal, NoReply>;
 
+// What a command needs of the device, of which other hosts may want something too.
+enum class Need {
+  Nothing,  // it is answered whoever has the device
+  Turn,     // the device, until it has been carried out
+  Keeping,  // the device, and on from there until a scan or the host's leaving ends it
+};
+
 struct CommandRow {
   std::string_view mnemonic;
   AnswerShape shape;   // of the answer, and of a refusal
   const char* answer;  // what it is called in the log
+  Need need;
   Outcome (*carryOut)(Dialogue& dialogue, const Frame& frame);
   bool startsStream = false;  // what answers is an image stream; the shape is that of a refusal
 

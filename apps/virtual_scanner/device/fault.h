@@ -5,6 +5,7 @@
 // Without times it happens every time, in every scan.
 // Threads: reentrant.
 #pragma once
+#include <atomic>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -13,6 +14,22 @@
 #include "support/little_endian.h"
 
 namespace vscan {
+
+// Counted by the threads of several hosts.
+class Count {
+ public:
+  Count() = default;
+  Count(const Count& other) : value_(other.value()) {}
+  Count& operator=(const Count& other) {
+    value_ = other.value();
+    return *this;
+  }
+  std::int64_t value() const { return value_; }
+  void operator++() { ++value_; }
+
+ private:
+  std::atomic<std::int64_t> value_{0};
+};
 
 enum class FaultKind {
   Disconnect,      // the connection is closed
@@ -44,9 +61,9 @@ struct Fault {
   std::optional<std::int64_t> line{};  // when so many lines have been sent
   std::optional<std::int64_t> byte{};  // when so many bytes of the page's records, or of the answer, have been sent
   std::optional<std::int64_t> times{};
-  std::int64_t struck = 0;  // how often it has happened
+  Count struck{};  // how often it has happened
 
-  bool isSpent() const { return times && struck >= *times; }
+  bool isSpent() const { return times && struck.value() >= *times; }
 
   // True when it closes, breaks or silences the connection.
   bool breaksOff() const {

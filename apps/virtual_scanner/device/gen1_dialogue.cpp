@@ -1,4 +1,5 @@
 #include "device/dialogue.h"
+#include "device/offers.h"
 #include "image/palette.h"
 #include "protocol/gen1_answers.h"
 #include "protocol/gen1_commands.h"
@@ -34,13 +35,13 @@ Outcome selectSource(Dialogue& dialogue, const Frame& frame) {
 
 std::variant<GrantedScan, std::string> grant(Dialogue& dialogue, const ScanRequest& request) {
   const Device& device = dialogue.device;
-  const std::int64_t functions = device.profile.capability.at("scanFunc");
-  constexpr std::int64_t kEdges = 1, kSizeOrCorners = 2 | 4;
-  if (request.reading == Reading::Edges && (functions & kEdges) == 0) return "this device finds no edges";
-  if (request.reading == Reading::Corners && (functions & kSizeOrCorners) == 0) return "this device finds no corners";
   ScanSettings settings = request.settings;
   settings.source = dialogue.source;
-  return grantScan(device.profile, settings, !device.feeder.isEmpty(), device.bed.file != nullptr);
+  auto result = grantScan(device.profile, settings, !device.feeder.isEmpty(), device.bed.file != nullptr);
+  if (const auto* granted = std::get_if<GrantedScan>(&result)) {
+    if (auto reason = notOffered(device.profile.abilities(), *granted, request.start)) return *std::move(reason);
+  }
+  return result;
 }
 
 Outcome tellGranted(Dialogue& dialogue, const Frame& frame) {
@@ -115,15 +116,15 @@ Outcome ignoreAbort(Dialogue& dialogue, const Frame& frame) {
 
 std::span<const CommandRow> commands() {
   static const CommandRow rows[] = {
-      {"Q", kBlockShape, "device information", tellDevice},
-      {"D", kStatusByte, "document check", checkDocument},
-      {"S", kStatusByte, "paper source", selectSource},
-      {"I", kTextAnswer, "granted settings", tellGranted},
-      {"E", kTextAnswer, "document corners", tellDocument},
-      {"K", kTextAnswer, "panel keys", tellKeys},
-      {"P", kPlainAnswer, "palette", tellPalette},
-      {"X", kStatusByte, "start", startScan, true},
-      {"R", {}, "abort", ignoreAbort},
+      {"Q", kBlockShape, "device information", Need::Nothing, tellDevice},
+      {"D", kStatusByte, "document check", Need::Turn, checkDocument},
+      {"S", kStatusByte, "paper source", Need::Keeping, selectSource},
+      {"I", kTextAnswer, "granted settings", Need::Keeping, tellGranted},
+      {"E", kTextAnswer, "document corners", Need::Turn, tellDocument},
+      {"K", kTextAnswer, "panel keys", Need::Nothing, tellKeys},
+      {"P", kPlainAnswer, "palette", Need::Nothing, tellPalette},
+      {"X", kStatusByte, "start", Need::Turn, startScan, true},
+      {"R", {}, "abort", Need::Nothing, ignoreAbort},
   };
   return rows;
 }

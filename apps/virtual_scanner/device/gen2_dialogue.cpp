@@ -1,4 +1,5 @@
 #include "device/dialogue.h"
+#include "device/offers.h"
 #include "image/icc_profiles.h"
 #include "image/palette.h"
 #include "protocol/gen2_answers.h"
@@ -47,7 +48,10 @@ Outcome startScan(Dialogue& dialogue, const Frame& frame) {
   StartSettings start;
   if (const auto refusal = readStart(frame, start)) return *refusal;
   if (!dialogue.granted) return Refusal{"XSC needs an SSP before it on the same connection", frame.bytes};
-  regrantResolution(dialogue.device.profile, start.resolution, *dialogue.granted);
+  const Profile& profile = dialogue.device.profile;
+  regrantResolution(profile, start.resolution, *dialogue.granted);
+  if (const auto reason = notOffered(profile.abilities(), *dialogue.granted, start))
+    return Refusal{*reason, frame.bytes};
   return scan(dialogue, *dialogue.granted, start);
 }
 
@@ -107,16 +111,16 @@ Outcome ignoreAbort(Dialogue& dialogue, const Frame& frame) {
 
 std::span<const CommandRow> commands() {
   static const CommandRow rows[] = {
-      {"Q", kGenerationShape, "generation", tellGeneration},
-      {"QDI", framedShape("QDI"), "device information", tellDevice},
-      {"CKD", kTwoBytes, "document check", checkDocument},
-      {"SSP", framedShape("SSP"), "granted settings", grantSettings},
-      {"GKP", framedShape("GKP"), "panel keys", tellKeys},
-      {"GCT", framedShape("GCT"), "palette", tellPalette},
-      {"GCP", framedShape("GCP"), "colour profiles", tellColorProfiles},
-      {"GDS", framedShape("GDS"), "document size", tellDocument},
-      {"XSC", kTwoBytes, "start", startScan, true},
-      {"ABT", {}, "abort", ignoreAbort},
+      {"Q", kGenerationShape, "generation", Need::Nothing, tellGeneration},
+      {"QDI", framedShape("QDI"), "device information", Need::Nothing, tellDevice},
+      {"CKD", kTwoBytes, "document check", Need::Turn, checkDocument},
+      {"SSP", framedShape("SSP"), "granted settings", Need::Keeping, grantSettings},
+      {"GKP", framedShape("GKP"), "panel keys", Need::Nothing, tellKeys},
+      {"GCT", framedShape("GCT"), "palette", Need::Nothing, tellPalette},
+      {"GCP", framedShape("GCP"), "colour profiles", Need::Nothing, tellColorProfiles},
+      {"GDS", framedShape("GDS"), "document size", Need::Turn, tellDocument},
+      {"XSC", kTwoBytes, "start", Need::Turn, startScan, true},
+      {"ABT", {}, "abort", Need::Turn, ignoreAbort},
   };
   return rows;
 }

@@ -2,17 +2,19 @@
 
 #include <algorithm>
 
+#include "device/offers.h"
+
 namespace vscan {
 namespace {
 
 constexpr int kAutomaticDpi = 300;
 
-// One bit of colorType and one place of compressType for each colour mode.
+// For each colour mode its bit of colorType and its place in lists that have one for each colour.
 struct ColorRow {
   ColorMode mode;
   const char* name;
   int colorBit;
-  std::size_t compressPlace;
+  std::size_t place;
 };
 
 // A scan with automatic colour arrives as colour: what each page really is gets decided from the whole page.
@@ -64,20 +66,8 @@ std::variant<GrantedScan, std::string> grantScan(const Profile& profile, const S
   if (!hasBit(can.colors, color->colorBit)) {
     return std::string("the profile does not offer the colour mode ") + color->name;
   }
-  if (!hasBit(can.compressions[color->compressPlace], static_cast<int>(settings.compression))) {
+  if (!hasBit(can.compressions[color->place], static_cast<int>(settings.compression))) {
     return std::string("the profile does not offer this compression for the colour mode ") + color->name;
-  }
-  if (settings.color == ColorMode::Automatic && !can.judgesColor) return "the profile does not offer automatic colour";
-  if (settings.findsDoubleFeeds && !can.findsDoubleFeeds) return "the profile does not offer to find double feeds";
-  if (settings.color == ColorMode::Automatic && settings.compression != Compression::Jpeg) {
-    return "automatic colour needs JPEG";
-  }
-  if (settings.compression == Compression::Jpeg &&
-      !hasBit(can.jpegSamplings, static_cast<int>(settings.jpegSampling))) {
-    return "the profile does not offer this JPEG sampling";
-  }
-  if (settings.threshold && (*settings.threshold < can.thresholdMin || *settings.threshold > can.thresholdMax)) {
-    return "the profile does not offer this threshold";
   }
   const bool isFed = fromFeeder(can, settings.source, feederLoaded, bedLoaded);
   if (isFed && !can.hasFeeder) return "this device has no feeder";
@@ -91,8 +81,9 @@ std::variant<GrantedScan, std::string> grantScan(const Profile& profile, const S
               : scan.settings.sides == Sides::Front ? Path::FeederOneSide
                                                     : Path::FeederBothSides;
   scan.threshold = static_cast<int>(settings.threshold.value_or(profile.threshold));
-  if (settings.deskew && !can.of(scan.path).straightens) return "this device does not straighten sheets there";
+  scan.backgroundLevels = can.backgroundLevels[color->place];
   regrantResolution(profile, settings.resolution, scan);
+  if (const auto reason = notOffered(can, scan)) return *reason;
   return scan;
 }
 

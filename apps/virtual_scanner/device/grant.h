@@ -18,6 +18,7 @@ struct GrantedScan {
   Size maximum;  // at that resolution
   Size reach;    // what an area is cut to; in the first generation a little wider than the maximum
   int threshold = 128;
+  std::int64_t backgroundLevels = 0;  // of removal, in the colour mode of the scan; 0 = none
 };
 
 // feederLoaded decides where an automatic source takes its paper.

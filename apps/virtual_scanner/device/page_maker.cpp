@@ -4,16 +4,19 @@
 #include <cmath>
 #include <cstring>
 
-#include "image/encode_jpeg.h"
+#include "device/page_encoder.h"
 #include "image/judge.h"
-#include "image/palette.h"
 #include "image/resample.h"
 #include "image/rotate.h"
+#include "image/smooth.h"
 #include "image/tone.h"
 #include "support/failure.h"
 
 namespace vscan {
 namespace {
+
+constexpr std::uint8_t kDarkBacking = 40;
+constexpr int kMaxRimPx = 1'000'000;  // more than any area has
 
 // One axis of a sheet at the granted resolution. What does not fit on the device is not drawn: such a sheet lies
 // against the left or the top edge, so that it is its beginning that stays.
@@ -28,11 +31,14 @@ Axis axisAt(int sheetPx, double sheetDpi, int dpi, int maximumPx) {
   return {targetPx, sheetPx * (targetPx / wholePx)};
 }
 
+// Tenths of a millimetre as pixels between two bounds.
+int toPixels(std::int64_t tenths, int dpi, int minimum, int maximum) {
+  return static_cast<int>(std::clamp<std::int64_t>(tenths * dpi / 254, minimum, maximum));
+}
+
 // Margins belong to the sheet: its guides hide them.
 void whitenMargins(Raster& sheet, const std::array<std::int64_t, 4>& margins, int dpiX, int dpiY) {
-  const auto px = [](std::int64_t tenths, int dpi, int limit) {
-    return static_cast<int>(std::clamp<std::int64_t>(tenths * dpi / 254, 0, limit));
-  };
+  const auto px = [](std::int64_t tenths, int dpi, int limit) { return toPixels(tenths, dpi, 0, limit); };
   const int left = px(margins[0], dpiX, sheet.widthPx), right = px(margins[1], dpiX, sheet.widthPx - left);
   const int top = px(margins[2], dpiY, sheet.heightPx), bottom = px(margins[3], dpiY, sheet.heightPx - top);
   for (int y = 0; y < sheet.heightPx; ++y) {
@@ -44,11 +50,26 @@ void whitenMargins(Raster& sheet, const std::array<std::int64_t, 4>& margins, in
   }
 }
 
+// What is scanned beyond the area on its left, right, top and bottom: as many tenths of a millimetre as the host asks
+// for; around a sheet that is to be scanned with its surroundings never nothing.
+Rim rimOf(const GrantedScan& scan, AreaKind kind) {
+  constexpr std::int64_t kOverScanTenths = 50;
+  std::array<std::int64_t, 4> tenths = scan.settings.margins;
+  if (kind == AreaKind::Over && tenths == std::array<std::int64_t, 4>{}) tenths.fill(kOverScanTenths);
+  const auto px = [](std::int64_t side, int dpi) { return toPixels(side, dpi, -kMaxRimPx, kMaxRimPx); };
+  return {px(tenths[0], scan.dpiX), px(tenths[1], scan.dpiX), px(tenths[2], scan.dpiY), px(tenths[3], scan.dpiY)};
+}
+
 // The sheet's pixels at the granted resolution; a bed or a back with nothing on it is white all over.
 Raster pixelsOf(const GrantedScan& scan, const PageSource& source, bool* isTooLong = nullptr) {
   const Face& measured = source.face.file ? source.face : source.sizeFrom;
   if (!measured.file) return Raster(scan.maximum.widthPx, scan.maximum.heightPx, 1, 255);
-  Sheet sheet = measured.file->load(measured.page, scan.dpiX, scan.dpiY);
+  const bool isTurned = scan.settings.isLandscape;
+  Sheet sheet = measured.file->load(measured.page, isTurned ? scan.dpiY : scan.dpiX, isTurned ? scan.dpiX : scan.dpiY);
+  if (isTurned) {  // with its left edge first
+    sheet.pixels = turnRight(sheet.pixels);
+    std::swap(sheet.dpiX, sheet.dpiY);
+  }
   const Axis x = axisAt(sheet.pixels.widthPx, sheet.dpiX, scan.dpiX, scan.maximum.widthPx);
   const Axis y = axisAt(sheet.pixels.heightPx, sheet.dpiY, scan.dpiY, scan.maximum.heightPx);
   if (isTooLong != nullptr) *isTooLong = y.spanPx < sheet.pixels.heightPx;
@@ -57,58 +78,54 @@ Raster pixelsOf(const GrantedScan& scan, const PageSource& source, bool* isTooLo
   return resample(sheet.pixels, {x.spanPx, y.spanPx}, x.targetPx, y.targetPx);
 }
 
-PageColor colorOf(const ScanSettings& settings) {
-  switch (settings.color) {
-    case ColorMode::Text:
-    case ColorMode::ErrorDiffusion:
-      return PageColor::Mono;
-    case ColorMode::Grey:
-    case ColorMode::Palette:  // a byte for each pixel, the number of its colour
-      return PageColor::Grey;
-    case ColorMode::Color:
-    case ColorMode::Automatic:
-      break;
-  }
-  return PageColor::Color;
-}
-
 int judgeLevel(std::optional<std::int64_t> wanted) {
   return static_cast<int>(std::clamp<std::int64_t>(wanted.value_or(kJudgeLevels / 2), 0, kJudgeLevels - 1));
 }
 
-void encode(const GrantedScan& scan, Raster pixels, const PageOptions& options, Page& page) {
+// Where a sheet of that size lies; one in a carrier sheet begins behind the beginning of the carrier.
+Rect place(const Profile& profile, const GrantedScan& scan, const Raster& sheet) {
+  Rect rect = placeSheet(profile, scan.path, {sheet.widthPx, sheet.heightPx}, scan.maximum);
+  if (scan.settings.carrierSheet == CarrierSheet::Used) {
+    const int offset = toPixels(profile.abilities().carrierOffset, scan.dpiY, 0, scan.maximum.heightPx);
+    rect.top += offset;
+    rect.bottom += offset;
+  }
+  return rect;
+}
+
+std::int64_t contrastOf(const ScanSettings& settings) {
+  constexpr std::int64_t kMore[] = {0, 10, 30, -15, 15};  // as plain, copy, OCR, photo, text and graphics
+  const std::int64_t contrast = settings.appliesTone ? settings.contrast : kNeutralTone;
+  return std::clamp<std::int64_t>(contrast + kMore[static_cast<std::size_t>(settings.imageProcessing)], 0, 100);
+}
+
+// What the device does to a picture on its way out.
+void improve(const Abilities& can, const GrantedScan& scan, Raster& pixels) {
   const ScanSettings& settings = scan.settings;
-  page.color = page.foundColor == PageColor::Color ? colorOf(settings) : PageColor::Grey;
-  page.compression = settings.compression;
-  if (settings.compression == Compression::Jpeg) {
-    if (page.color == PageColor::Color && settings.jpegSampling == JpegSampling::Grey) page.color = PageColor::Grey;
-    pixels = page.color == PageColor::Grey ? toGrey(std::move(pixels)) : toColor(std::move(pixels));
-    page.data = encodeJpeg(pixels, jpegQuality(static_cast<int>(settings.jpegRate)), settings.jpegSampling, scan.dpiX,
-                           scan.dpiY);
-    return;
+  if (settings.backgroundRemoval.isOn) {
+    constexpr std::int64_t kUsualStrength = 96;
+    const auto level = settings.backgroundRemoval.level;
+    removeBackground(pixels, static_cast<int>(level ? std::clamp<std::int64_t>(*level, 0, scan.backgroundLevels) * 255 /
+                                                          scan.backgroundLevels
+                                                    : kUsualStrength));
   }
-  if (options.rawLines) page.compression = Compression::None;
-  page.colorLines = options.colorLines;
-  if (page.color == PageColor::Color) {
-    pixels = toColor(std::move(pixels));
-    page.lineBytes = pixels.lineBytes();
-    page.data = std::move(pixels.pixels);
-    return;
+  if (settings.removesMoire) pixels = smooth(pixels);
+  Tone tone;
+  tone.contrast = static_cast<int>(contrastOf(settings));
+  if (settings.appliesTone) {
+    constexpr std::int64_t kUsualGamma = 180;
+    tone.brightness = static_cast<int>(settings.brightness);
+    if (settings.gamma.isOn) {
+      tone.gamma = static_cast<int>(settings.gamma.level.value_or(std::min(kUsualGamma, can.gammaMax)));
+    }
   }
-  pixels = settings.color == ColorMode::Palette ? toPalette(pixels) : toGrey(std::move(pixels));
-  if (page.color == PageColor::Grey) {
-    page.lineBytes = pixels.lineBytes();
-    page.data = std::move(pixels.pixels);
-    return;
-  }
-  page.lineBytes = (pixels.lineBytes() + 7) / 8;
-  page.data = settings.color == ColorMode::Text ? threshold(pixels, scan.threshold) : diffuseError(pixels);
+  adjustTone(pixels, tone);
 }
 
 }  // namespace
 
-Raster drawArea(const Raster& sheet, const Rect& sheetRect, const Rect& area) {
-  Raster drawn(area.widthPx(), area.heightPx(), sheet.channels, 255);
+Raster drawArea(const Raster& sheet, const Rect& sheetRect, const Rect& area, std::uint8_t backing) {
+  Raster drawn(area.widthPx(), area.heightPx(), sheet.channels, backing);
   const int left = std::max(area.left, sheetRect.left);
   const int right = std::min(area.right, sheetRect.right);
   if (left >= right) return drawn;
@@ -122,28 +139,36 @@ Raster drawArea(const Raster& sheet, const Rect& sheetRect, const Rect& area) {
 }
 
 Rect placeFace(const Profile& profile, const GrantedScan& scan, const Face& face) {
-  const Raster sheet = pixelsOf(scan, {face, {}});
-  return placeSheet(profile, scan.path, {sheet.widthPx, sheet.heightPx}, scan.maximum);
+  return place(profile, scan, pixelsOf(scan, {face, {}}));
 }
 
 Page makePage(const Profile& profile, const GrantedScan& scan, const StartSettings& start, const PageSource& source,
               const PageOptions& options) {
   const ScanSettings& settings = scan.settings;
+  const Abilities can = profile.abilities();
+  // Where a host looks for edges, what lies beside the sheet is dark.
+  const std::uint8_t backing = start.reading == Reading::Edges ? kDarkBacking : 255;
+  const bool isStraightened = settings.deskew || start.areaKind == AreaKind::AutomaticDeskewed;
+  const bool isFed = scan.path != Path::Flatbed;
   Page page;
   Raster sheet = pixelsOf(scan, source, &page.isTooLong);
-  if (options.skewDegrees != 0 && !settings.deskew && source.face.file) sheet = rotate(sheet, options.skewDegrees);
-  whitenMargins(sheet, profile.abilities().of(scan.path).margins, scan.dpiX, scan.dpiY);
-  const Rect sheetRect = placeSheet(profile, scan.path, {sheet.widthPx, sheet.heightPx}, scan.maximum);
-  Rect area = scannedArea(start.areaKind, start.area, sheetRect, scan.reach);
-  if (start.endsWithSheet) area.bottom = std::clamp(sheetRect.bottom, area.top + 1, area.bottom);
+  if (options.skewDegrees != 0 && !isStraightened && source.face.file) {
+    sheet = rotate(sheet, options.skewDegrees, backing);
+  }
+  whitenMargins(sheet, can.of(scan.path).margins, scan.dpiX, scan.dpiY);
+  const Rect sheetRect = place(profile, scan, sheet);
+  Rect area = scannedArea(start.areaKind, start.area, sheetRect, scan.reach, rimOf(scan, start.areaKind));
+  if (start.reading == Reading::Corners || (start.areaKind == AreaKind::Full && isFed)) {
+    area.bottom = std::clamp(sheetRect.bottom, area.top + 1, area.bottom);
+  }
   checkSheetSize("the area to be scanned", area.widthPx(), area.heightPx());
 
   page.widthPx = area.widthPx();
   page.heightPx = area.heightPx();
   page.tellsSize = start.areaKind != AreaKind::Normal;
   // Of a fixed area the host knows the end; the device has nothing to say about what lies behind it.
-  page.isTooLong = page.isTooLong && page.tellsSize && scan.path != Path::Flatbed;
-  Raster pixels = area == sheetRect ? std::move(sheet) : drawArea(sheet, sheetRect, area);
+  page.isTooLong = page.isTooLong && page.tellsSize && isFed;
+  Raster pixels = area == sheetRect ? std::move(sheet) : drawArea(sheet, sheetRect, area, backing);
   const Switch& blanks = settings.blankRemoval;
   if (blanks.isOn && isBlank(pixels, judgeLevel(blanks.level))) {
     page.isBlank = true;
@@ -151,16 +176,13 @@ Page makePage(const Profile& profile, const GrantedScan& scan, const StartSettin
   }
   if (settings.color == ColorMode::Automatic) {
     page.tellsColor = true;
-    page.foundColor =
-        judgeColor(pixels, judgeLevel(settings.colorLevel ? std::optional((*settings.colorLevel)[0]) : std::nullopt));
+    std::optional<std::int64_t> forColor, forGrey;
+    if (settings.colorLevel) forColor = (*settings.colorLevel)[0];
+    if (settings.colorLevel && can.gradesGrey) forGrey = (*settings.colorLevel)[1];
+    page.foundColor = judgeColor(pixels, judgeLevel(forColor), judgeLevel(forGrey));
   }
-  if (settings.backgroundRemoval.isOn) {
-    constexpr std::int64_t kUsualLevel = 96;
-    removeBackground(pixels, static_cast<int>(std::clamp<std::int64_t>(
-                                 settings.backgroundRemoval.level.value_or(kUsualLevel), 0, 255)));
-  }
-  adjustTone(pixels, static_cast<int>(settings.brightness), static_cast<int>(settings.contrast));
-  encode(scan, std::move(pixels), options, page);
+  if (start.reading != Reading::Original) improve(can, scan, pixels);
+  encodePage(scan, std::move(pixels), options, page);
   return page;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 #include "device/grant.h"
 #include "device/paper_path.h"
+#include "image/raster.h"
 #include "protocol/page.h"
 
 namespace vscan {
@@ -26,7 +27,7 @@ Page makePage(const Profile& profile, const GrantedScan& scan, const StartSettin
 // Where the face would lie. Throws Failure when its file cannot be read.
 Rect placeFace(const Profile& profile, const GrantedScan& scan, const Face& face);
 
-// The pixels that the device sees in that area: the sheet where it lies, white elsewhere.
-Raster drawArea(const Raster& sheet, const Rect& sheetRect, const Rect& area);
+// The pixels that the device sees in that area: the sheet where it lies, the backing elsewhere.
+Raster drawArea(const Raster& sheet, const Rect& sheetRect, const Rect& area, std::uint8_t backing = 255);
 
 }  // namespace vscan

@@ -21,6 +21,28 @@ int cut(std::int64_t value, int low, int high) {
   return static_cast<int>(std::clamp<std::int64_t>(value, low, std::max(low, high)));
 }
 
+// The area that the numbers of a start command give.
+Rect areaOf(const std::array<std::int64_t, 4>& numbers, const Rect& sheet, Size maximum) {
+  const auto [left, top, right, bottom] = numbers;
+  Rect area{cut(wrapped(left), 0, maximum.widthPx - 1), cut(wrapped(top), 0, maximum.heightPx - 1), 0, 0};
+  if (wrapped(right) > area.left) {
+    area.right = cut(wrapped(right), area.left + 1, maximum.widthPx);
+  } else {
+    area.left = sheet.left;
+    area.right = sheet.right;
+  }
+  area.bottom = cut(wrapped(bottom) > area.top ? wrapped(bottom) : sheet.bottom, area.top + 1, maximum.heightPx);
+  return area;
+}
+
+Rect widened(Rect area, const Rim& rim, Size maximum) {
+  area.left = cut(area.left - rim.left, 0, maximum.widthPx - 1);
+  area.top = cut(area.top - rim.top, 0, maximum.heightPx - 1);
+  area.right = cut(area.right + rim.right, area.left + 1, maximum.widthPx);
+  area.bottom = cut(area.bottom + rim.bottom, area.top + 1, maximum.heightPx);
+  return area;
+}
+
 }  // namespace
 
 Size maxArea(const Profile& profile, Path path, bool longPaper, int dpiX, int dpiY) {
@@ -37,20 +59,21 @@ Rect placeSheet(const Profile& profile, Path path, Size sheet, Size maximum) {
   return {left, top, left + sheet.widthPx, top + sheet.heightPx};
 }
 
-Rect scannedArea(AreaKind kind, const std::array<std::int64_t, 4>& numbers, Rect sheet, Size maximum) {
+Rect scannedArea(AreaKind kind, const std::array<std::int64_t, 4>& numbers, Rect sheet, Size maximum, const Rim& rim) {
   sheet.right = std::min(sheet.right, maximum.widthPx);
   sheet.bottom = std::min(sheet.bottom, maximum.heightPx);
-  if (kind != AreaKind::Normal) return sheet;
-  const auto [left, top, right, bottom] = numbers;
-  Rect area{cut(wrapped(left), 0, maximum.widthPx - 1), cut(wrapped(top), 0, maximum.heightPx - 1), 0, 0};
-  if (wrapped(right) > area.left) {
-    area.right = cut(wrapped(right), area.left + 1, maximum.widthPx);
-  } else {
-    area.left = sheet.left;
-    area.right = sheet.right;
+  switch (kind) {
+    case AreaKind::Normal:
+      return widened(areaOf(numbers, sheet, maximum), rim, maximum);
+    case AreaKind::Full:
+      return {0, 0, maximum.widthPx, maximum.heightPx};
+    case AreaKind::Over:
+      return widened(sheet, rim, maximum);
+    case AreaKind::Automatic:
+    case AreaKind::AutomaticDeskewed:
+      break;
   }
-  area.bottom = cut(wrapped(bottom) > area.top ? wrapped(bottom) : sheet.bottom, area.top + 1, maximum.heightPx);
-  return area;
+  return sheet;
 }
 
 }  // namespace vscan

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <utility>
 
 #include "support/failure.h"
 
@@ -27,16 +28,18 @@ constexpr OwnKey kOwnKeys[] = {
 };
 
 std::int64_t numberFrom(const Json& value, const std::string& key) {
-  if (value.is_number_integer()) return value.get<std::int64_t>();
+  const bool isTooLarge = value.is_number_unsigned() && !std::in_range<std::int64_t>(value.get<std::uint64_t>());
+  if (value.is_number_integer() && !isTooLarge) return value.get<std::int64_t>();
   if (value.is_string()) {
     const auto& text = value.get_ref<const std::string&>();
     const bool isHex = text.starts_with("0x");
     const char* const end = text.data() + text.size();
     std::int64_t number = 0;
     const auto [stop, error] = std::from_chars(text.data() + (isHex ? 2 : 0), end, number, isHex ? 16 : 10);
-    if (error == std::errc() && stop == end) return number;
+    if (error == std::errc() && stop == end && (!isHex || text[2] != '-')) return number;
   }
-  throw Failure(key + " needs a whole number, such as 258 or \"0x0102\", not " + value.dump());
+  throw Failure(key + " needs a whole number, such as 258 or \"0x0102\", not " +
+                value.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 
 void setValue(Profile& profile, const std::string& key, const Json& value) {

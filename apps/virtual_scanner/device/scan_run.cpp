@@ -72,13 +72,25 @@ std::future<Page> ScanRun::startMaking(std::size_t index) const {
   });
 }
 
+// A large page takes a while; a host that aborts or goes meanwhile is not to wait for it.
+ScanRun::Outcome ScanRun::awaitPage() {
+  constexpr auto kStep = std::chrono::milliseconds(20);
+  while (upcoming_.wait_for(kStep) != std::future_status::ready) {
+    if (!connection_.collect()) return Outcome::Lost;
+    const Outcome outcome = heedCommands();
+    if (outcome != Outcome::Going) return outcome;
+  }
+  return Outcome::Going;
+}
+
 ScanRun::Outcome ScanRun::sendPages() {
-  std::future<Page> upcoming = startMaking(0);
+  upcoming_ = startMaking(0);
   for (currentPlan_ = 0; currentPlan_ < plans_.size(); ++currentPlan_) {
-    Outcome outcome = Outcome::Going;
+    Outcome outcome = awaitPage();
+    if (outcome != Outcome::Going) return outcome;
     try {
-      page_ = upcoming.get();
-      upcoming = startMaking(currentPlan_ + 1);
+      page_ = upcoming_.get();
+      upcoming_ = startMaking(currentPlan_ + 1);
       outcome = sendPage();
     } catch (const Failure& failure) {
       outcome = fail(DeviceError::InternalFault, failure.what());
@@ -165,7 +177,7 @@ ScanRun::Outcome ScanRun::pace() {
   if (device_.options.pagesPerMinute <= 0) return Outcome::Going;
   const Outcome flushed = flush();
   if (flushed != Outcome::Going) return flushed;
-  const std::chrono::duration<double> perPage(60 / device_.options.pagesPerMinute);
+  const std::chrono::duration<double> perPage((scan_.settings.isQuiet ? 2 : 1) * 60 / device_.options.pagesPerMinute);
   nextPageMayEnd_ = std::max(nextPageMayEnd_, Connection::Clock::now() - std::chrono::seconds(1)) +
                     std::chrono::duration_cast<Connection::Clock::duration>(perPage);
   return waitUntil(nextPageMayEnd_);

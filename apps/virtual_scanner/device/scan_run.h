@@ -35,6 +35,7 @@ class ScanRun {
 
   void planPages();
   std::future<Page> startMaking(std::size_t index) const;
+  Outcome awaitPage();
   Outcome sendPages();
   Outcome sendPage();
   Outcome sendLines(PageRecords& records);
@@ -70,6 +71,9 @@ class ScanRun {
   std::int64_t pageBytes_ = 0;
   bool isCutShort_ = false;  // by a fault: no more lines
   Bytes buffer_;
+
+  // The page that is being made. Last: what its thread reads must outlive it.
+  std::future<Page> upcoming_;
 };
 
 }  // namespace vscan

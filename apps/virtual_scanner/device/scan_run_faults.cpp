@@ -39,7 +39,7 @@ ScanRun::Outcome ScanRun::strike(Fault& fault, Bytes& record, std::size_t& done)
     case FaultKind::Device:
       return fail(static_cast<std::uint8_t>(fault.value), "--fault " + fault.text);
     case FaultKind::DoubleFeed:
-      if (!scan_.settings.findsDoubleFeeds || scan_.settings.goesOnAfterDoubleFeed) break;
+      if (!scan_.settings.doubleFeedDetection.isOn || scan_.settings.goesOnAfterDoubleFeed) break;
       return fail(DeviceError::DoubleFeed, "--fault " + fault.text);
     case FaultKind::StopKey:
       return endWith(stream_.stoppedByKey(), Outcome::Ended);

@@ -10,6 +10,8 @@ namespace vscan {
 Session::Session(Device& device, Connection& connection, Log& log)
     : dialogue_{device, connection, log}, generation_(device.profile.generation()) {}
 
+Session::~Session() { dialogue_.device.turn->leave(&dialogue_); }
+
 void Session::run() {
   while (const auto command = dialogue_.connection.waitForCommand()) {
     bool isGoing = false;
@@ -32,10 +34,18 @@ bool Session::answer(const Frame& frame) {
     return refuse(unknownCommandShape(generation_, frame.mnemonic), frame.mnemonic,
                   {"this device has no command " + frame.mnemonic, frame.bytes});
   }
-  return carryOut(*row, frame, faultsAt(dialogue_.device.options.faults, frame.mnemonic));
+  if (row->need == Need::Nothing) return carryOut(*row, frame);
+  Turn& turn = *dialogue_.device.turn;
+  if (!turn.take(&dialogue_, row->need == Need::Keeping)) {
+    return refuse(row->shape, frame.mnemonic, {"the device is busy with another host", frame.bytes}, DeviceError::Busy);
+  }
+  const bool isGoing = carryOut(*row, frame);
+  turn.finish(&dialogue_);
+  return isGoing;
 }
 
-bool Session::carryOut(const CommandRow& row, const Frame& frame, std::vector<Fault*> faults) {
+bool Session::carryOut(const CommandRow& row, const Frame& frame) {
+  std::vector<Fault*> faults = faultsAt(dialogue_.device.options.faults, frame.mnemonic);
   for (Fault* fault : faults) {
     if (fault->kind != FaultKind::Device) continue;
     ++fault->struck;
@@ -57,9 +67,9 @@ bool Session::carryOut(const CommandRow& row, const Frame& frame, std::vector<Fa
   return dialogue_.connection.isOpen();
 }
 
-bool Session::refuse(const AnswerShape& shape, const std::string& what, const Refusal& refusal) {
+bool Session::refuse(const AnswerShape& shape, const std::string& what, const Refusal& refusal, DeviceError error) {
   dialogue_.log.note(what + " refused: " + refusal.sentence + ": " + hexBytes(refusal.bytes));
-  const Bytes answer = refusalOf(shape, codeOf(DeviceError::SettingsNotPossible, generation_));
+  const Bytes answer = refusalOf(shape, codeOf(error, generation_));
   return answer.empty() || send(answer, "refusal");  // empty: the host does not wait for an answer
 }
 

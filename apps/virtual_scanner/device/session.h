@@ -8,6 +8,9 @@ namespace vscan {
 class Session {
  public:
   Session(Device& device, Connection& connection, Log& log);
+  ~Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
 
   // Returns when the host is gone or the scanner is to stop.
   void run();
@@ -15,8 +18,9 @@ class Session {
  private:
   // All false when the connection is over.
   bool answer(const Frame& frame);
-  bool carryOut(const CommandRow& row, const Frame& frame, std::vector<Fault*> faults);
-  bool refuse(const AnswerShape& shape, const std::string& what, const Refusal& refusal);
+  bool carryOut(const CommandRow& row, const Frame& frame);
+  bool refuse(const AnswerShape& shape, const std::string& what, const Refusal& refusal,
+              DeviceError error = DeviceError::SettingsNotPossible);
   bool send(const Bytes& bytes, const char* what);
 
   Dialogue dialogue_;

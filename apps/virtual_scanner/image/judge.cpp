@@ -9,7 +9,7 @@ namespace {
 // Shares of a million pixels or samples, by level.
 constexpr std::size_t kDirtPerMillion[kJudgeLevels] = {50, 100, 200, 500, 1000};
 constexpr std::size_t kColorPerMillion[kJudgeLevels] = {5000, 2000, 500, 200, 50};
-constexpr std::size_t kMiddlePerMillion = 50'000;  // more of it makes a page grey rather than mono
+constexpr std::size_t kMiddlePerMillion[kJudgeLevels] = {200'000, 100'000, 50'000, 20'000, 5'000};
 
 constexpr std::uint8_t kDark = 160;
 constexpr int kColorful = 48;  // between the strongest and the weakest channel
@@ -28,7 +28,7 @@ bool isBlank(const Raster& raster, int level) {
   return !isMoreThan(static_cast<std::size_t>(dark), kDirtPerMillion[clamped(level)], raster.pixels.size());
 }
 
-PageColor judgeColor(const Raster& raster, int level) {
+PageColor judgeColor(const Raster& raster, int colorLevel, int greyLevel) {
   std::size_t colorful = 0, middle = 0;
   const auto step = static_cast<std::size_t>(raster.channels);
   for (std::size_t i = 0; i < raster.pixels.size(); i += step) {
@@ -38,8 +38,8 @@ PageColor judgeColor(const Raster& raster, int level) {
     if (*low >= kMiddleFrom && *high <= kMiddleTo) ++middle;
   }
   const std::size_t all = raster.pixels.size() / step;
-  if (isMoreThan(colorful, kColorPerMillion[clamped(level)], all)) return PageColor::Color;
-  return isMoreThan(middle, kMiddlePerMillion, all) ? PageColor::Grey : PageColor::Mono;
+  if (isMoreThan(colorful, kColorPerMillion[clamped(colorLevel)], all)) return PageColor::Color;
+  return isMoreThan(middle, kMiddlePerMillion[clamped(greyLevel)], all) ? PageColor::Grey : PageColor::Mono;
 }
 
 }  // namespace vscan

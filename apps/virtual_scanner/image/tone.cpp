@@ -7,21 +7,22 @@
 namespace vscan {
 namespace {
 
-constexpr int kNeutral = 50;
-
 std::size_t bitLineBytes(const Raster& raster) { return (static_cast<std::size_t>(raster.widthPx) + 7) / 8; }
 
 void clearBit(std::uint8_t* line, int x) { line[x / 8] = static_cast<std::uint8_t>(line[x / 8] & ~(0x80 >> (x % 8))); }
 
 }  // namespace
 
-void adjustTone(Raster& raster, int brightness, int contrast) {
-  if (brightness == kNeutral && contrast == kNeutral) return;
-  const double factor = contrast < kNeutral ? 0.5 + contrast / 100.0 : 1.0 + (contrast - kNeutral) / 25.0;
-  const double shift = (brightness - kNeutral) * 2.55;
+void adjustTone(Raster& raster, const Tone& tone) {
+  const auto [brightness, contrast, gamma] = tone;
+  if (brightness == kNeutralTone && contrast == kNeutralTone && gamma == kNeutralGamma) return;
+  const double factor = contrast < kNeutralTone ? 0.5 + contrast / 100.0 : 1.0 + (contrast - kNeutralTone) / 25.0;
+  const double shift = (brightness - kNeutralTone) * 2.55;
+  const double exponent = static_cast<double>(kNeutralGamma) / gamma;
   std::array<std::uint8_t, 256> table{};
   for (int value = 0; value < 256; ++value) {
-    const double toned = (value - 127.5) * factor + 127.5 + shift;
+    const double curved = gamma == kNeutralGamma ? value : 255 * std::pow(value / 255.0, exponent);
+    const double toned = (curved - 127.5) * factor + 127.5 + shift;
     table[static_cast<std::size_t>(value)] = static_cast<std::uint8_t>(std::clamp(std::lround(toned), 0L, 255L));
   }
   for (auto& pixel : raster.pixels) pixel = table[pixel];

@@ -8,8 +8,17 @@
 
 namespace vscan {
 
-// Applies brightness and contrast (0 to 100); 50 and 50 leave every pixel as it is.
-void adjustTone(Raster& raster, int brightness, int contrast);
+inline constexpr int kNeutralTone = 50;
+inline constexpr int kNeutralGamma = 100;
+
+// As it is made, it leaves every pixel as it is.
+struct Tone {
+  int brightness = kNeutralTone;  // 0 to 100
+  int contrast = kNeutralTone;    // 0 to 100
+  int gamma = kNeutralGamma;      // hundredths, above 0; more makes the middle tones lighter
+};
+
+void adjustTone(Raster& raster, const Tone& tone);
 
 // The luminance of a colour picture; a grey one comes through unchanged.
 Raster toGrey(Raster raster);

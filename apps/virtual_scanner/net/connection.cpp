@@ -65,6 +65,11 @@ bool Connection::send(std::span<const std::uint8_t> bytes) {
   return isOpen();
 }
 
+bool Connection::collect() {
+  short happened = 0;
+  return waitFor(0, Clock::now(), happened) && isOpen();
+}
+
 bool Connection::pause(std::chrono::milliseconds time) {
   const auto end = Clock::now() + time;
   short happened = 0;

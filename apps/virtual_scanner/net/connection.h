@@ -37,6 +37,9 @@ class Connection {
   // Waits, collecting what comes in, until then or until a command is there. False as with send.
   bool idleUntil(Clock::time_point time);
 
+  // Collects what has come in, without waiting. False as with send.
+  bool collect();
+
   // Waits that long, collecting what comes in. False as with send.
   bool pause(std::chrono::milliseconds time);
 

@@ -125,10 +125,17 @@ Listener Listener::onUnix(const std::string& path) {
 
 UniqueFd Listener::accept() const {
   UniqueFd host(::accept4(fd_.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
-  const int on = 1;
-  // A Unix socket refuses the first and has no use for the second; neither does harm.
-  if (host) ::setsockopt(host.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-  if (host) ::setsockopt(host.get(), SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
+  if (!host) return host;
+  // A host that has lost its power or its cable is found out after a minute. A Unix socket refuses what is TCP's and
+  // has no use for the rest; neither does harm.
+  constexpr struct {
+    int level, option, value;
+  } kOptions[] = {{IPPROTO_TCP, TCP_NODELAY, 1},
+                  {SOL_SOCKET, SO_KEEPALIVE, 1},
+                  {IPPROTO_TCP, TCP_KEEPIDLE, 30},
+                  {IPPROTO_TCP, TCP_KEEPINTVL, 10},
+                  {IPPROTO_TCP, TCP_KEEPCNT, 3}};
+  for (const auto& one : kOptions) ::setsockopt(host.get(), one.level, one.option, &one.value, sizeof one.value);
   return host;
 }
 

@@ -49,9 +49,8 @@ bool readReading(Text text, ScanRequest& r) {
                                          {"ORIGINAL_SCAN", Reading::Original},
                                          {"CORNER_SCAN", Reading::Corners},
                                          {"SKEW_ADJUST", Reading::Deskewed}},
-                                        r.reading);
-  r.settings.deskew = r.reading == Reading::Deskewed;
-  r.start.endsWithSheet = r.reading == Reading::Corners;
+                                        r.start.reading);
+  r.settings.deskew = r.start.reading == Reading::Deskewed;
   return isRead;
 }
 
@@ -105,7 +104,8 @@ constexpr KeyRow<ScanRequest> kStartKeys[] = {
      [](Text text, ScanRequest& r) {
        std::int64_t bits = 0;  // bit 0 double feeds are looked for, bit 1 landscape
        const bool isRead = readNumber(text, 0, 3, bits);
-       r.settings.findsDoubleFeeds = (bits & 1) != 0;
+       r.settings.doubleFeedDetection.isOn = (bits & 1) != 0;
+       r.settings.isLandscape = (bits & 2) != 0;
        return isRead;
      }},
     {"G", false, [](Text text, ScanRequest& r) { return readFlag(text, r.settings.backgroundRemoval.isOn); }},

@@ -9,14 +9,10 @@
 
 namespace vscan::gen1 {
 
-// How a sheet is to be looked at. In the first generation one word stands for all of it.
-enum class Reading { Normal, Edges, Original, Corners, Deskewed };
-
 // What I asks about and what X starts. I has no area and none of the picture's settings.
 struct ScanRequest {
   ScanSettings settings;
   StartSettings start;
-  Reading reading = Reading::Normal;
 };
 
 struct DocumentQuestion {

@@ -45,27 +45,20 @@ bool readStartArea(Text text, StartSettings& out) {
   return readNumbers(text, 0, kMaxU32, out.area);
 }
 
-bool readSwitch(Text text, Switch& out) {
+bool readSwitch(Text text, std::int64_t minimum, std::int64_t maximum, Switch& out) {
   out = {};
   if (readOnOff(text, out.isOn)) return true;
   std::int64_t level = 0;
-  if (!readNumber(text, kMinI32, kMaxU32, level)) return false;
+  if (!readNumber(text, minimum, maximum, level)) return false;
   out = {true, level};
   return true;
 }
 
-// Keys whose value has to be right although this device does nothing with it.
-bool checkOnOff(Text text, ScanSettings&) {
-  bool ignored = false;
-  return readOnOff(text, ignored);
+// OFF, a level, or nothing for a level of the device's choice; there is no ON.
+bool readGamma(Text text, Switch& out) {
+  out.isOn = text != "OFF";
+  return !out.isOn || text.empty() || readNumber(text, 1, kMaxU32, out.level.emplace());
 }
-
-bool checkSwitch(Text text, ScanSettings&) {
-  Switch ignored;
-  return readSwitch(text, ignored);
-}
-
-bool checkGamma(Text text, ScanSettings& settings) { return text.empty() || checkSwitch(text, settings); }
 
 template <std::size_t kCount>
 bool oneOf(Text text, const Text (&words)[kCount]) {
@@ -128,41 +121,53 @@ constexpr KeyRow<ScanSettings> kScanKeys[] = {
                                      s.jpegSampling);
      }},
     {"IPRC", false,
-     [](Text text, ScanSettings&) {
-       return oneOf(text, {"NORMAL", "COPY", "OCR", "PHOTO", "TXTGR"});
+     [](Text text, ScanSettings& s) {
+       return readWord<ImageProcessing>(text,
+                                        {{"NORMAL", ImageProcessing::Normal},
+                                         {"COPY", ImageProcessing::Copy},
+                                         {"OCR", ImageProcessing::Ocr},
+                                         {"PHOTO", ImageProcessing::Photo},
+                                         {"TXTGR", ImageProcessing::TextAndGraphics}},
+                                        s.imageProcessing);
      }},
     // Kept: "THOCK" is how the device spells thick paper; a host that corrects it would be refused.
     // Pinned by Gen2Commands_test "EachValueOfTheScanSettingsIsUnderstood".
     {"PTYPE", false,
-     [](Text text, ScanSettings&) {
-       return oneOf(text, {"NORMAL", "THIN", "THOCK", "PCARD"});
+     [](Text text, ScanSettings& s) {
+       return readWord<PaperType>(text,
+                                  {{"NORMAL", PaperType::Normal},
+                                   {"THIN", PaperType::Thin},
+                                   {"THOCK", PaperType::Thick},
+                                   {"PCARD", PaperType::PlasticCard}},
+                                  s.paperType);
      }},
     {"PAGE", false, [](Text text, ScanSettings& s) { return readNumber(text, 0, kMaxU32, s.maxSheets); }},
     {"LONG", false, [](Text text, ScanSettings& s) { return readOnOff(text, s.longPaper); }},
     {"CARR", false,
-     [](Text text, ScanSettings&) {
-       return oneOf(text, {"OFF", "AUTO", "ON"});
-     }},
-    {"RMGC", false, [](Text text, ScanSettings& s) { return readSwitch(text, s.backgroundRemoval); }},
-    {"DTDF", false,
      [](Text text, ScanSettings& s) {
-       Switch detection;
-       const bool isRead = readSwitch(text, detection);
-       s.findsDoubleFeeds = detection.isOn;
-       return isRead;
+       return readWord<CarrierSheet>(
+           text, {{"OFF", CarrierSheet::None}, {"AUTO", CarrierSheet::Automatic}, {"ON", CarrierSheet::Used}},
+           s.carrierSheet);
      }},
+    {"RMGC", false, [](Text text, ScanSettings& s) { return readSwitch(text, kMinI32, kMaxI32, s.backgroundRemoval); }},
+    {"DTDF", false, [](Text text, ScanSettings& s) { return readSwitch(text, 0, kMaxU32, s.doubleFeedDetection); }},
     {"OPDF", true,
      [](Text text, ScanSettings& s) {
        return readWord<bool>(text, {{"CONT", true}, {"STOP", false}}, s.goesOnAfterDoubleFeed);
      }},
-    {"DT4V", false, checkOnOff},
+    // Corners are found or not; the stream has no record that would tell them.
+    {"DT4V", false,
+     [](Text text, ScanSettings&) {
+       bool findsCorners = false;
+       return readOnOff(text, findsCorners);
+     }},
     {"DSKW", false, [](Text text, ScanSettings& s) { return readOnOff(text, s.deskew); }},
-    {"LSMD", false, checkOnOff},
-    {"RMBP", false, [](Text text, ScanSettings& s) { return readSwitch(text, s.blankRemoval); }},
-    {"RMMR", false, checkOnOff},
-    {"GMMA", false, checkGamma},
-    {"TONE", false, checkOnOff},
-    {"QTFD", false, checkOnOff},
+    {"LSMD", false, [](Text text, ScanSettings& s) { return readOnOff(text, s.isLandscape); }},
+    {"RMBP", false, [](Text text, ScanSettings& s) { return readSwitch(text, 0, kMaxU32, s.blankRemoval); }},
+    {"RMMR", false, [](Text text, ScanSettings& s) { return readOnOff(text, s.removesMoire); }},
+    {"GMMA", false, [](Text text, ScanSettings& s) { return readGamma(text, s.gamma); }},
+    {"TONE", false, [](Text text, ScanSettings& s) { return readOnOff(text, s.appliesTone); }},
+    {"QTFD", false, [](Text text, ScanSettings& s) { return readOnOff(text, s.isQuiet); }},
     {"USER", false,
      [](Text text, ScanSettings& s) {
        s.userName = text;
@@ -174,8 +179,10 @@ constexpr KeyRow<StartSettings> kStartKeys[] = {
     {"RESO", false, [](Text text, StartSettings& s) { return readResolution(text, s.resolution); }},
     {"AREA", false, readStartArea},
     {"MODE", false,
-     [](Text text, StartSettings&) {
-       return oneOf(text, {"NORMAL", "EDGEPRE", "ORIGINAL"});
+     [](Text text, StartSettings& s) {
+       return readWord<Reading>(
+           text, {{"NORMAL", Reading::Normal}, {"EDGEPRE", Reading::Edges}, {"ORIGINAL", Reading::Original}},
+           s.reading);
      }},
 };
 

@@ -14,6 +14,13 @@ enum class Compression { None, RunLength, Jpeg };
 enum class JpegSampling { Yuv444, Yuv422, Yuv411, Yuv420, Grey };
 enum class AreaKind { Normal, Full, Over, Automatic, AutomaticDeskewed };
 enum class Ejection { NotSaid, All, One, None };
+enum class ImageProcessing { Normal, Copy, Ocr, Photo, TextAndGraphics };
+enum class PaperType { Normal, Thin, Thick, PlasticCard };
+enum class CarrierSheet { None, Automatic, Used };
+
+// How a sheet is looked at: for its edges, untouched, for its corners, or straightened. The first generation has one
+// word for all of it, the second knows the first three.
+enum class Reading { Normal, Edges, Original, Corners, Deskewed };
 
 struct Resolution {
   bool isAutomatic = false;
@@ -44,13 +51,21 @@ struct ScanSettings {
   Compression compression = Compression::None;
   std::int64_t jpegRate = 0;  // 0 to 100
   JpegSampling jpegSampling = JpegSampling::Yuv444;
+  ImageProcessing imageProcessing = ImageProcessing::Normal;
+  PaperType paperType = PaperType::Normal;
   std::int64_t maxSheets = 0;  // 0 = all there are
   bool longPaper = false;
+  CarrierSheet carrierSheet = CarrierSheet::None;
   Switch backgroundRemoval;
-  bool findsDoubleFeeds = false;
+  Switch doubleFeedDetection;
   bool goesOnAfterDoubleFeed = false;
   bool deskew = false;
+  bool isLandscape = false;  // the sheets go in with their left edge first
   Switch blankRemoval;
+  bool removesMoire = false;
+  Switch gamma;             // the level in hundredths
+  bool appliesTone = true;  // brightness, contrast and gamma
+  bool isQuiet = false;
   std::string userName;
 };
 
@@ -58,7 +73,7 @@ struct StartSettings {
   Resolution resolution;
   AreaKind areaKind = AreaKind::Normal;
   std::array<std::int64_t, 4> area{};  // left, top, right, bottom; pixels; for AreaKind::Normal only
-  bool endsWithSheet = false;          // a page ends where its sheet does, if that is above the end of the area
+  Reading reading = Reading::Normal;
 };
 
 struct DocumentCheck {

@@ -1,22 +1,10 @@
-#include <memory>
-
 #include "image/jpeg_errors.h"
+#include "sheets/input_file.h"
 #include "sheets/sheet_file.h"
 #include "support/failure.h"
 
 namespace vscan {
 namespace {
-
-struct FileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
-
-File openForReading(const std::string& path) {
-  File file(std::fopen(path.c_str(), "rbe"));
-  if (!file) throw Failure("cannot open " + path);
-  return file;
-}
 
 struct Header {
   unsigned widthPx = 0;
@@ -113,6 +101,7 @@ class JpegFile final : public SheetFile {
     if (!readPixels(openForReading(path()).get(), errors, header_, pixels.pixels.data(), pixels.lineBytes())) {
       throw Failure(path() + " is broken: " + (errors.text[0] != 0 ? errors.text : "it has changed"));
     }
+    if (errors.endedEarly) throw Failure(path() + " is broken: it ends before its picture does");
     if (header_.isCmyk) pixels = cmykToRgb(pixels, width, header_.isInverted);
     if (!hasResolution()) return {std::move(pixels), kAssumedDpi, kAssumedDpi};
     return {std::move(pixels), header_.dpiX, header_.dpiY};

@@ -2,26 +2,14 @@
 
 #include <cmath>
 #include <csetjmp>
-#include <cstdio>
 #include <cstring>
-#include <memory>
 
+#include "sheets/input_file.h"
 #include "sheets/sheet_file.h"
 #include "support/failure.h"
 
 namespace vscan {
 namespace {
-
-struct FileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, FileCloser>;
-
-File openForReading(const std::string& path) {
-  File file(std::fopen(path.c_str(), "rbe"));
-  if (!file) throw Failure("cannot open " + path);
-  return file;
-}
 
 struct Header {
   std::uint32_t widthPx = 0;
@@ -104,7 +92,7 @@ class Reader {
 class PngFile final : public SheetFile {
  public:
   explicit PngFile(const std::string& path) : SheetFile(path) {
-    const File file = openForReading(path);
+    const InputFile file = openForReading(path);
     Reader reader;
     if (!reader.readHeader(file.get(), header_)) throw Failure(path + " is broken: " + reader.errorText());
     checkSheetSize(path, header_.widthPx, header_.heightPx);
@@ -114,7 +102,7 @@ class PngFile final : public SheetFile {
   bool hasResolution() const override { return header_.dpiX > 0; }
 
   Sheet load(int, int, int) const override {
-    const File file = openForReading(path());
+    const InputFile file = openForReading(path());
     Reader reader;
     Header header;
     if (!reader.readHeader(file.get(), header)) throw Failure(path() + " is broken: " + reader.errorText());

@@ -3,9 +3,9 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <string_view>
 
+#include "sheets/input_file.h"
 #include "support/failure.h"
 
 namespace vscan {
@@ -36,6 +36,12 @@ constexpr Kind kKinds[] = {
 
 }  // namespace
 
+InputFile openForReading(const std::string& path) {
+  InputFile file(std::fopen(path.c_str(), "rbe"));
+  if (!file) throw Failure("cannot open " + path + ": " + std::strerror(errno));
+  return file;
+}
+
 void checkSheetSize(const std::string& path, std::int64_t widthPx, std::int64_t heightPx) {
   if (widthPx < 1 || heightPx < 1) throw Failure(path + " has no pixels");
   if (heightPx > kMaxSheetPixels / widthPx) {
@@ -45,12 +51,9 @@ void checkSheetSize(const std::string& path, std::int64_t widthPx, std::int64_t 
 }
 
 std::shared_ptr<const SheetFile> openSheetFile(const std::string& path) {
-  errno = 0;
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw Failure("cannot open " + path + ": " + std::strerror(errno == 0 ? EIO : errno));
   std::array<char, 8> head{};
-  file.read(head.data(), head.size());
-  const std::string_view firstBytes(head.data(), static_cast<std::size_t>(file.gcount()));
+  const std::size_t count = std::fread(head.data(), 1, head.size(), openForReading(path).get());
+  const std::string_view firstBytes(head.data(), count);
   for (const Kind& kind : kKinds) {
     if (firstBytes.starts_with(kind.firstBytes)) return kind.open(path);
   }
