@@ -65,14 +65,18 @@ PdfPage readPage(QPDFPageObjectHelper helper, const std::string& path) {
 
 }  // namespace
 
-std::vector<PdfPage> readPdf(const std::string& path) {
+void readPdf(const std::string& path, const std::function<void(PdfPage)>& take) {
   QPDF pdf;
   pdf.setSuppressWarnings(true);
   pdf.setAttemptRecovery(false);
   pdf.processFile(path.c_str());
-  std::vector<PdfPage> pages;
-  for (auto& page : QPDFPageDocumentHelper(pdf).getAllPages()) pages.push_back(readPage(page, path));
+  for (auto& page : QPDFPageDocumentHelper(pdf).getAllPages()) take(readPage(page, path));
   if (pdf.anyWarnings()) throw std::runtime_error(path + " is not a clean PDF");
+}
+
+std::vector<PdfPage> readPdf(const std::string& path) {
+  std::vector<PdfPage> pages;
+  readPdf(path, [&](PdfPage page) { pages.push_back(std::move(page)); });
   return pages;
 }
 

@@ -1,6 +1,7 @@
 // What a PDF of scanned pages holds: one picture on each page.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,5 +19,7 @@ struct PdfPage {
 
 // Reads the whole file and checks its structure; throws std::exception where it is damaged in any way.
 std::vector<PdfPage> readPdf(const std::string& path);
+// The same page by page, for a file whose pages do not fit into memory together.
+void readPdf(const std::string& path, const std::function<void(PdfPage)>& take);
 
 }  // namespace e2e

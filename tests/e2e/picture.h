@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -58,6 +59,8 @@ Picture readPng(const std::string& path);
 Picture readTiff(const std::string& path);
 // Every page, with as many channels as it has in the file.
 std::vector<Picture> readTiffPages(const std::string& path);
+// The same page by page, for a file whose pages do not fit into memory together.
+void readTiffPages(const std::string& path, const std::function<void(Picture)>& take);
 // A raw PBM, PGM or PPM; the resolution from a comment such as "# 300 x 300 dpi".
 Picture readPnm(const std::string& path);
 Picture decodeJpeg(const std::uint8_t* data, std::size_t bytes);

@@ -33,6 +33,7 @@ class Process {
   Exit wait(std::chrono::milliseconds limit);
 
   bool isRunning();
+  pid_t pid() const { return pid_; }  // -1 once its end was seen
   // Nothing happens once it has ended.
   void send(int signal);
   // Waits until one of its output files contains the text; false when it ended or the limit passed before.

@@ -30,6 +30,7 @@ class VirtualScanner {
 
   // As qsscan -d takes it.
   const std::string& address() const { return address_; }
+  pid_t pid() const { return process_->pid(); }
   // What it has told on stderr, every command and answer included.
   std::string log() const { return contentOf(process_->errPath()); }
   // The commands it has got, as text, one frame each.

@@ -71,10 +71,9 @@ Picture readTiff(const std::string& path) {
   return currentPage(tiff.get(), path);
 }
 
-std::vector<Picture> readTiffPages(const std::string& path) {
+void readTiffPages(const std::string& path, const std::function<void(Picture)>& take) {
   const Tiff tiff(TIFFOpen(path.c_str(), "r"));
   if (!tiff) fail(path + " is broken");
-  std::vector<Picture> pages;
   do {
     std::uint16_t channels = 0;
     std::uint16_t bits = 0;
@@ -84,8 +83,13 @@ std::vector<Picture> readTiffPages(const std::string& path) {
     if (channels == 1) page = withoutIdleColor(page);
     if (page.channels != channels) fail(path + " has a grey page with colours");
     page.bitsPerSample = bits;
-    pages.push_back(std::move(page));
+    take(std::move(page));
   } while (TIFFReadDirectory(tiff.get()) == 1);
+}
+
+std::vector<Picture> readTiffPages(const std::string& path) {
+  std::vector<Picture> pages;
+  readTiffPages(path, [&](Picture page) { pages.push_back(std::move(page)); });
   return pages;
 }
 
