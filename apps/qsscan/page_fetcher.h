@@ -23,6 +23,7 @@ struct FetchOutcome {
   int pages = 0;                  // handed to the queue
   int blankPages = 0;             // reported as blank by the device and left out
   bool profileIsMissing = false;  // a colour profile was asked for, and none came that can be used
+  bool isGivenUp = false;         // the device left the wish for an end unanswered
 };
 
 class PageFetcher {

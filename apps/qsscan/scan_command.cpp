@@ -140,23 +140,28 @@ ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Options& options,
   std::thread fetching([&] { fetcher.run(); });
 
   Page page;
-  Clock::time_point lastSign = Clock::now();  // the last page, or the moment before the interrupt
-  for (PageQueue::Pop got; (got = queue.pop(page, kWriterPoll)) != PageQueue::Pop::kClosed;) {
-    if (interrupts.count() > 0) fetcher.requestAbort();
-    if (got == PageQueue::Pop::kPage && !writer.write(page)) fetcher.requestDiscard();
-    if (got == PageQueue::Pop::kPage || interrupts.count() == 0) lastSign = Clock::now();
-    if (interrupts.count() < 2 && Clock::now() - lastSign < kStuckPatience) continue;
-
-    fetcher.requestDiscard();
+  // Completes the files and ends the program, though the library may be deep in a call that waits for the device.
+  const auto leaveAtOnce = [&] {
     while (queue.pop(page, std::chrono::milliseconds(0)) == PageQueue::Pop::kPage) writer.write(page);
     writer.finish(report);
     setInterrupted(report, interrupts.signal());
     leave(report, options);
     std::fflush(nullptr);
-    // The fetching thread may be deep in the library, waiting for the device.
     std::_Exit(static_cast<int>(report.exit));
+  };
+  Clock::time_point lastSign = Clock::now();  // the last page, or the moment before the interrupt
+  for (PageQueue::Pop got; (got = queue.pop(page, kWriterPoll)) != PageQueue::Pop::kClosed;) {
+    if (interrupts.count() > 0) fetcher.requestAbort();
+    if (got == PageQueue::Pop::kPage && !writer.write(page)) fetcher.requestDiscard();
+    if (got == PageQueue::Pop::kPage || interrupts.count() == 0) lastSign = Clock::now();
+    if (interrupts.count() >= 2 || Clock::now() - lastSign >= kStuckPatience) {
+      fetcher.requestDiscard();
+      leaveAtOnce();
+    }
   }
   fetching.join();
+  // The library would still wait for the answer to its last command.
+  if (interrupts.count() > 0 && fetcher.outcome().isGivenUp) leaveAtOnce();
   writer.finish(report);
   judge(report, fetcher.outcome(), writer, options.wish.pages, interrupts.signal());
   return report;
