@@ -25,7 +25,10 @@ enum class ExitCode : int {
   kNotServed = 12,
   kStoppedAtDevice = 13,
   kInternal = 14,
+  // 128 and the number of the signal, as shells tell it.
+  kHungUp = 129,
   kInterrupted = 130,
+  kTerminated = 143,
 };
 
 struct ExitCodeRow {

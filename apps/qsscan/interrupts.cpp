@@ -6,14 +6,20 @@ namespace qsscan {
 namespace {
 
 std::atomic<int> requests{0};
-static_assert(std::atomic<int>::is_always_lock_free, "a signal handler sets it");
+std::atomic<int> firstSignal{0};
+static_assert(std::atomic<int>::is_always_lock_free, "a signal handler sets them");
 
-void countRequest(int) { requests.fetch_add(1); }
+void countRequest(int signal) {
+  int none = 0;
+  firstSignal.compare_exchange_strong(none, signal);
+  requests.fetch_add(1);
+}
 
 }  // namespace
 
 Interrupts::Interrupts() {
   requests = 0;
+  firstSignal = 0;
   struct sigaction action {};
   action.sa_handler = countRequest;
   action.sa_flags = SA_RESTART;
@@ -29,5 +35,7 @@ Interrupts::~Interrupts() {
 }
 
 int Interrupts::count() const { return requests; }
+
+int Interrupts::signal() const { return firstSignal; }
 
 }  // namespace qsscan

@@ -14,6 +14,8 @@ class Interrupts {
   Interrupts& operator=(const Interrupts&) = delete;
 
   int count() const;
+  // The first that came; 0 as long as none has.
+  int signal() const;
 
  private:
   static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};

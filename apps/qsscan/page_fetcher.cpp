@@ -64,6 +64,7 @@ void PageFetcher::fetchPages() {
         return;
       case RECEIVING:
         if (ending && now - lastSign >= kAbortPatience) {
+          outcome_.isGivenUp = true;
           outcome_.end = FetchOutcome::End::kCancelled;
           outcome_.result = QSRSLT_CANCELED;
           return;

@@ -23,13 +23,14 @@ struct FetchOutcome {
   int pages = 0;                  // handed to the queue
   int blankPages = 0;             // reported as blank by the device and left out
   bool profileIsMissing = false;  // a colour profile was asked for, and none came that can be used
+  bool isGivenUp = false;         // the device left the wish for an end unanswered
 };
 
 class PageFetcher {
  public:
   // How often the state is asked for, and how long an abort may go unanswered before the scan is given up.
   static constexpr std::chrono::milliseconds kPollInterval{10};
-  static constexpr std::chrono::milliseconds kAbortPatience{3000};
+  static constexpr std::chrono::milliseconds kAbortPatience{1500};
 
   // pageLimit 0 is no limit. Neither the library nor the queue is owned.
   PageFetcher(orvalle_scan_api::IScanCoreApi& core, const orvalle_scan_api::QS_SCANNER_PARAMETERS& settings,

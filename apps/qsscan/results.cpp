@@ -116,15 +116,25 @@ constexpr CodeRow kCodes[] = {
     {0x10210032,
      {ExitCode::kDeviceError, "An answer of the device was too long.",
       "Check that the name is that of a scanner, and switch it off and on again."}},
+    // Also what the library makes of a record that it cannot read.
     {0x500000FF,
-     {ExitCode::kDeviceError, "The device reported an error that has no number of its own.",
+     {ExitCode::kDeviceError, "The device reported an unknown error, or sent data that is not understood.",
       "Look at its panel, then switch it off and on again."}},
+    // Only the first generation ends so: by a record without a status.
+    {0x1040100B,
+     {ExitCode::kDeviceError, "The device sent data that is not understood.",
+      "Switch it off and on again and repeat the scan."}},
 };
 
 constexpr Text kNotReachable = {ExitCode::kNotReachable, "The device cannot be reached.",
                                 "Check that it is switched on and connected, and that its name is right."};
 constexpr Text kConnectionLost = {ExitCode::kConnectionLost, "The connection to the device was lost.",
                                   "Check the cable or the network, then scan the remaining sheets."};
+
+constexpr Text kNoAnswer = {ExitCode::kNotReachable, "The device does not answer.",
+                            "Check that its name is that of a scanner, and switch it off and on again."};
+constexpr Text kNoAnswerInScan = {ExitCode::kConnectionLost, "The device does not answer any more.",
+                                  "Switch it off and on again, then repeat the scan."};
 
 // The text for the kind of a code, which its top digit tells.
 Text textOfKind(QSRSLT code, Phase phase) {
@@ -168,6 +178,8 @@ Text textOf(QSRSLT code, Phase phase) {
     if (row.code == code) return row.text;
   }
   if (code == orvalle_scan_api::QSRSLT_CMD_NOT_OPENED) return kNotReachable;
+  if (code == orvalle_scan_api::QSRSLT_DEVICE_READ_TIME_OUT)
+    return phase == Phase::kConnecting ? kNoAnswer : kNoAnswerInScan;
   if (const auto refusal = textOfCommandRefusal(code)) return *refusal;
   return textOfKind(code, phase);
 }

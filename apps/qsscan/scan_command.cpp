@@ -1,6 +1,7 @@
 #include "scan_command.h"
 
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <new>
 #include <optional>
@@ -20,6 +21,8 @@ using Clock = std::chrono::steady_clock;
 constexpr std::size_t kQueuePages = 4;
 constexpr std::size_t kQueueBytes = std::size_t{256} << 20;
 constexpr std::chrono::milliseconds kWriterPoll{50};
+// The fetching thread itself gives a silent device up before; a call of the library that waits for an answer cannot.
+constexpr std::chrono::milliseconds kStuckPatience = PageFetcher::kAbortPatience + std::chrono::milliseconds(500);
 
 // The writer's side of a scan: takes pages from the queue and puts them into files.
 class ScanWriter {
@@ -91,11 +94,18 @@ void setEnd(ScanReport& report, ExitCode exit, const std::string& sentence, std:
   report.result = result;
 }
 
-void judge(ScanReport& report, const FetchOutcome& outcome, const ScanWriter& writer, int pageLimit, bool interrupted) {
+void setInterrupted(ScanReport& report, int signal) {
+  const char* sentence = signal == SIGINT    ? "Interrupted."
+                         : signal == SIGTERM ? "Terminated."
+                                             : "The terminal is gone.";
+  setEnd(report, static_cast<ExitCode>(128 + signal), sentence);
+}
+
+void judge(ScanReport& report, const FetchOutcome& outcome, const ScanWriter& writer, int pageLimit, int signal) {
   report.blankPages = outcome.blankPages;
   report.profileIsMissing = outcome.profileIsMissing;
   if (writer.failure()) return setEnd(report, writer.failure()->code(), writer.failure()->what());
-  if (interrupted) return setEnd(report, ExitCode::kInterrupted, "Interrupted.");
+  if (signal != 0) return setInterrupted(report, signal);
   if (pageLimit > 0 && outcome.pages >= pageLimit) return;
   switch (outcome.end) {
     case FetchOutcome::End::kFinished:
@@ -130,23 +140,30 @@ ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Options& options,
   std::thread fetching([&] { fetcher.run(); });
 
   Page page;
+  // Completes the files and ends the program, though the library may be deep in a call that waits for the device.
+  const auto leaveAtOnce = [&] {
+    while (queue.pop(page, std::chrono::milliseconds(0)) == PageQueue::Pop::kPage) writer.write(page);
+    writer.finish(report);
+    setInterrupted(report, interrupts.signal());
+    leave(report, options);
+    std::fflush(nullptr);
+    std::_Exit(static_cast<int>(report.exit));
+  };
+  Clock::time_point lastSign = Clock::now();  // the last page, or the moment before the interrupt
   for (PageQueue::Pop got; (got = queue.pop(page, kWriterPoll)) != PageQueue::Pop::kClosed;) {
     if (interrupts.count() > 0) fetcher.requestAbort();
     if (got == PageQueue::Pop::kPage && !writer.write(page)) fetcher.requestDiscard();
-    if (interrupts.count() < 2) continue;
-
-    fetcher.requestDiscard();
-    while (queue.pop(page, std::chrono::milliseconds(0)) == PageQueue::Pop::kPage) writer.write(page);
-    writer.finish(report);
-    setEnd(report, ExitCode::kInterrupted, "Interrupted.");
-    leave(report, options);
-    std::fflush(nullptr);
-    // The fetching thread may be deep in the library, waiting for the device.
-    std::_Exit(static_cast<int>(ExitCode::kInterrupted));
+    if (got == PageQueue::Pop::kPage || interrupts.count() == 0) lastSign = Clock::now();
+    if (interrupts.count() >= 2 || Clock::now() - lastSign >= kStuckPatience) {
+      fetcher.requestDiscard();
+      leaveAtOnce();
+    }
   }
   fetching.join();
+  // The library would still wait for the answer to its last command.
+  if (interrupts.count() > 0 && fetcher.outcome().isGivenUp) leaveAtOnce();
   writer.finish(report);
-  judge(report, fetcher.outcome(), writer, options.wish.pages, interrupts.count() > 0);
+  judge(report, fetcher.outcome(), writer, options.wish.pages, interrupts.signal());
   return report;
 }
 

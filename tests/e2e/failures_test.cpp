@@ -1,6 +1,6 @@
-// What goes wrong on a real desk: told in a sentence, with its exit code, within seconds, and nothing finished is lost.
+// What goes wrong on a real desk besides the faults of the device (faults_test) and requests to stop (interrupts_test):
+// told in a sentence, with its exit code, within seconds, and nothing finished is lost.
 #include <csignal>
-#include <thread>
 
 #include "pdf_file.h"
 #include "scan_test.h"
@@ -63,14 +63,6 @@ class Failures : public ScanTest {
   std::vector<Picture> drawn_;
 };
 
-// About half a second for a page of raw lines, so that pages come one after the other.
-const Arguments kSlowLine = {"--drip", "65536", "--drip-ms", "15"};
-
-Arguments slowly(Arguments arguments) {
-  arguments.insert(arguments.end(), kSlowLine.begin(), kSlowLine.end());
-  return arguments;
-}
-
 TEST_F(Failures, AnEmptyFeederIsTold) {
   VirtualScanner& scanner = startScanner({});
   expectNothing(scan(scanner.address(), toPdf()), 3, "There is no paper in the feeder.");
@@ -96,16 +88,6 @@ TEST_F(Failures, ANameThatNoDeviceCanHaveIsTold) {
   expectNothing(scan("127.0.0.1:65536", toPdf()), 1, "the port after the colon must be a number from 1 to 65535.");
 }
 
-TEST_F(Failures, AConnectionLostOnPageThreeKeepsTwoPages) {
-  VirtualScanner& scanner = startWith(4, slowly({"--fault", "disconnect@page=3,line=1200"}));
-  expectKept(scan(scanner.address(), toPdf()), 8, "The connection to the device was lost.", 2);
-}
-
-TEST_F(Failures, AConnectionResetOnPageThreeKeepsTwoPages) {
-  VirtualScanner& scanner = startWith(4, slowly({"--fault", "reset@page=3,line=1200"}));
-  expectKept(scan(scanner.address(), toPdf()), 8, "The connection to the device was lost.", 2);
-}
-
 TEST_F(Failures, AConnectionLostInAColorPageKeepsThePagesBefore) {
   Arguments arguments;
   std::vector<Picture> drawn;
@@ -123,43 +105,6 @@ TEST_F(Failures, AConnectionLostInAColorPageKeepsThePagesBefore) {
   const auto kept = readPdf(file("pages.pdf"));
   ASSERT_EQ(kept.size(), 2u) << run.err;
   for (std::size_t i = 0; i < kept.size(); ++i) EXPECT_GE(psnrDb(drawn[i], kept[i].picture), 30) << "page " << i + 1;
-}
-
-TEST_F(Failures, AConnectionLostOnTheFirstPageLeavesNoFile) {
-  VirtualScanner& scanner = startWith(1, {"--fault", "disconnect@page=1,line=700"});
-  expectNothing(scan(scanner.address(), toPdf()), 8, "The connection to the device was lost.");
-}
-
-TEST_F(Failures, AJamOnPageTwoKeepsPageOne) {
-  VirtualScanner& scanner = startWith(3, slowly({"--fault", "device=0x91@page=2,line=900"}));
-  expectKept(scan(scanner.address(), toPdf()), 4, "Paper jam: a sheet is stuck in the device.", 1);
-}
-
-struct DeviceError {
-  const char* fault;
-  int exitCode;
-  const char* sentence;
-};
-
-TEST_F(Failures, EveryErrorOfTheDeviceHasItsSentence) {
-  constexpr DeviceError kErrors[] = {
-      {"0x90", 3, "There is no paper in the feeder."},
-      {"0x91", 4, "Paper jam: a sheet is stuck in the device."},
-      {"0x92", 4, "Double feed: the device took more than one sheet at once."},
-      {"0xA0", 5, "A cover of the device is open."},
-      {"0xB0", 6, "The device is busy with another computer."},
-      {"0xB1", 7, "The device is out of memory."},
-      {"0x84", 7, "The device has an internal fault."},
-      {"0xA1", 7, "The lamp or the sensor of the device has a fault."},
-      {"0xA4", 7, "The device cannot scan with these settings."},
-      {"0xA5", 6, "The device was locked by its owner."},
-  };
-  const Arguments sheets = drawSheets(1);
-  for (const DeviceError& error : kErrors) {
-    SCOPED_TRACE(error.fault);
-    const VirtualScanner scanner(folder_, {sheets[0], "--fault", std::string("device=") + error.fault + "@page=1"});
-    expectNothing(scan(scanner.address(), toPdf()), error.exitCode, error.sentence);
-  }
 }
 
 TEST_F(Failures, CtrlCKeepsTheFinishedPages) {
@@ -182,25 +127,6 @@ TEST_F(Failures, CtrlCKeepsTheFinishedPages) {
   EXPECT_TRUE(endedWith(0, qsscan({"info", "-d", scanner.address()})));
 }
 
-TEST_F(Failures, ASecondCtrlCLeavesASilentDeviceAtOnce) {
-  VirtualScanner& scanner = startWith(3, slowly({"--fault", "silence@page=2,line=900"}));
-  const auto process = startScan(scanner.address(), toPdf());
-  ASSERT_TRUE(process->waitForText(process->errPath(), "Page 1:", kPatience));
-  process->send(SIGINT);
-  std::this_thread::sleep_for(std::chrono::milliseconds(300));
-  process->send(SIGINT);
-  expectKept(finish(*process), 130, "Interrupted.", 1);
-}
-
-TEST_F(Failures, ATerminationKeepsTheFinishedPages) {
-  VirtualScanner& scanner = startWith(20, {"--ppm", "150"});
-  const auto process = startScan(scanner.address(), toPdf());
-  ASSERT_TRUE(process->waitForText(process->errPath(), "Page 1:", kPatience));
-  process->send(SIGTERM);
-  const Finished run = finish(*process);
-  expectKept(run, 130, "Interrupted.", readPdf(file("pages.pdf")).size());
-}
-
 TEST_F(Failures, AFolderThatIsNotThereIsToldBeforeTheScan) {
   VirtualScanner& scanner = startWith(1, {});
   const Finished run = scan(scanner.address(), {"--mode", "gray", "-o", file("nowhere/pages.pdf")});
@@ -216,14 +142,6 @@ TEST_F(Failures, AFullDiskIsTold) {
     expectNothing(scan(scanner.address(), {"--mode", "gray", "--format", format, "-o", "/dev/full"}), 10,
                   "cannot be written");
   }
-}
-
-TEST_F(Failures, OneCtrlCIsEnoughForASilentDevice) {
-  VirtualScanner& scanner = startWith(3, slowly({"--fault", "silence@page=2,line=900"}));
-  const auto process = startScan(scanner.address(), toPdf());
-  ASSERT_TRUE(process->waitForText(process->errPath(), "Page 1:", kPatience));
-  process->send(SIGINT);
-  expectKept(finish(*process), 130, "Interrupted.", 1);
 }
 
 TEST_F(Failures, AModeThatTheDeviceDoesNotOfferIsTold) {

@@ -17,6 +17,7 @@ namespace e2e {
 namespace {
 
 constexpr std::chrono::milliseconds kPoll{3};
+constexpr std::chrono::milliseconds kLongestPoll{30};
 constexpr int kCannotStart = 127;
 
 int openForWriting(const std::string& path) {
@@ -65,6 +66,7 @@ Process::~Process() { wait(std::chrono::milliseconds(0)); }
 
 Process::Exit Process::wait(std::chrono::milliseconds limit) {
   const auto end = Clock::now() + limit;
+  auto poll = kPoll;
   while (!reap(WNOHANG)) {
     if (Clock::now() >= end) {
       send(SIGKILL);
@@ -72,7 +74,8 @@ Process::Exit Process::wait(std::chrono::milliseconds limit) {
       exit_.inTime = false;
       break;
     }
-    std::this_thread::sleep_for(kPoll);
+    std::this_thread::sleep_for(poll);
+    poll = std::min(poll + kPoll, kLongestPoll);
   }
   return exit_;
 }

@@ -22,7 +22,7 @@ bool namesPlace(const Arguments& arguments) {
 }  // namespace
 
 VirtualScanner::VirtualScanner(const TemporaryFolder& folder, Arguments arguments) {
-  static int made = 0;
+  static std::atomic<int> made{0};
   const std::string name = folder.file("scanner" + std::to_string(++made));
   if (!namesPlace(arguments)) arguments.insert(arguments.begin(), {"--listen", "127.0.0.1:0"});
   arguments.insert(arguments.begin(), {QS_VIRTUAL_SCANNER, "--verbose"});
@@ -91,9 +91,9 @@ std::unique_ptr<Process> ScanTest::startScan(const std::string& address, const A
   return start(all);
 }
 
-Finished ScanTest::finish(Process& process) const {
+Finished ScanTest::finish(Process& process, std::chrono::seconds patience) const {
   Finished run;
-  run.exit = process.wait(kPatience);
+  run.exit = process.wait(patience);
   run.out = contentOf(process.outPath());
   run.err = contentOf(process.errPath());
   return run;

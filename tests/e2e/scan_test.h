@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <initializer_list>
+#include <atomic>
 #include <memory>
 #include <string>
 #include <vector>
@@ -51,6 +51,7 @@ struct Finished {
   std::string all() const { return "exit code " + std::to_string(exit.code) + "\n" + err + out; }
 };
 
+// Scanners of one's own and runs of qsscan may be started by several threads.
 class ScanTest : public ::testing::Test {
  protected:
   std::string file(const std::string& name) const { return folder_.file(name); }
@@ -62,7 +63,7 @@ class ScanTest : public ::testing::Test {
   VirtualScanner& startScanner(Arguments arguments);
   // Starts "qsscan scan -d address ..."; finish() waits for it.
   std::unique_ptr<Process> startScan(const std::string& address, const Arguments& arguments) const;
-  Finished finish(Process& process) const;
+  Finished finish(Process& process, std::chrono::seconds patience = kPatience) const;
   Finished scan(const std::string& address, const Arguments& arguments) const {
     return finish(*startScan(address, arguments));
   }
@@ -72,7 +73,7 @@ class ScanTest : public ::testing::Test {
 
  private:
   std::unique_ptr<Process> start(Arguments arguments) const;
-  mutable int runs_ = 0;
+  mutable std::atomic<int> runs_{0};
   std::vector<std::unique_ptr<VirtualScanner>> scanners_;
 };
 

@@ -215,6 +215,7 @@ TEST(PageFetcher, ADeviceThatIgnoresTheAbortIsGivenUp) {
   const Fetched result = run(core, 0, {}, [](PageFetcher& fetcher) { fetcher.requestAbort(); });
   const auto spent = std::chrono::steady_clock::now() - start;
   EXPECT_EQ(result.outcome.end, End::kCancelled);
+  EXPECT_TRUE(result.outcome.isGivenUp);
   EXPECT_EQ(result.pages.size(), 3u);
   EXPECT_GE(spent, PageFetcher::kAbortPatience);
   EXPECT_LT(spent, PageFetcher::kAbortPatience + 5s);

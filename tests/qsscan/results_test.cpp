@@ -39,7 +39,8 @@ constexpr Row kRows[] = {
     {"Locked", 0x5000000A, Phase::kScanning, ExitCode::kBusy, "locked"},
     {"NumberWithoutMeaning", 0x5000000B, Phase::kScanning, ExitCode::kDeviceError, "reported an error"},
     {"LastNumber", 0x50000016, Phase::kScanning, ExitCode::kDeviceError, "reported an error"},
-    {"NoNumberOfItsOwn", 0x500000FF, Phase::kScanning, ExitCode::kDeviceError, "no number of its own"},
+    {"UnknownError", 0x500000FF, Phase::kScanning, ExitCode::kDeviceError, "unknown error"},
+    {"ARecordWithoutAStatus", 0x1040100B, Phase::kScanning, ExitCode::kDeviceError, "data that is not understood"},
     {"RefusedEmptyFirstGen", 0x102400C2, Phase::kScanning, ExitCode::kFeederEmpty, "no paper"},
     {"RefusedJamSecondGen", 0x10240091, Phase::kScanning, ExitCode::kJam, "jam"},
     {"RefusedBusyFirstGen", 0x102400C5, Phase::kConnecting, ExitCode::kBusy, "busy"},
@@ -49,7 +50,9 @@ constexpr Row kRows[] = {
     {"DocumentStatus", 0x00202090, Phase::kScanning, ExitCode::kFeederEmpty, "no paper"},
     {"NotOpened", QSRSLT_CMD_NOT_OPENED, Phase::kConnecting, ExitCode::kNotReachable, "cannot be reached"},
     {"NotOpenedForTheScan", QSRSLT_CMD_NOT_OPENED, Phase::kScanning, ExitCode::kNotReachable, "cannot be reached"},
-    {"ReadFailedWhileConnecting", 0x40500031, Phase::kConnecting, ExitCode::kNotReachable, "cannot be reached"},
+    {"ReadFailedWhileConnecting", 0x40500007, Phase::kConnecting, ExitCode::kNotReachable, "cannot be reached"},
+    {"NoAnswerWhileConnecting", 0x40500031, Phase::kConnecting, ExitCode::kNotReachable, "does not answer."},
+    {"NoAnswerWhileScanning", 0x40500031, Phase::kScanning, ExitCode::kConnectionLost, "does not answer any more"},
     {"ReadFailedWhileScanning", 0x40500020, Phase::kScanning, ExitCode::kConnectionLost, "connection"},
     {"Silent", QSRSLT_RECEIVE_TIME_OUT, Phase::kScanning, ExitCode::kConnectionLost, "silent"},
     {"NotPrepared", QSRSLT_NOT_PREPARED, Phase::kScanning, ExitCode::kNotReachable, "prepared"},
@@ -174,7 +177,7 @@ TEST(ExitCodes, TableHasEachNumberOnceInRisingOrder) {
     EXPECT_GT(static_cast<int>(row.code), last);
     last = static_cast<int>(row.code);
   }
-  EXPECT_EQ(last, 130);
+  EXPECT_EQ(last, 143);
 }
 
 }  // namespace
