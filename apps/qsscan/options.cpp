@@ -1,67 +1,76 @@
 #include "options.h"
 
-#include <CLI/CLI.hpp>
-#include <cstdio>
 #include <cstdlib>
 
+#include "command_line.h"
 #include "exit_codes.h"
-#include "scan_options.h"
+#include "option_values.h"
 
 namespace qsscan {
 namespace {
 
 [[noreturn]] void refuse(const std::string& sentence) { throw CommandError(ExitCode::kUsage, sentence); }
 
-std::string footer() {
-  std::string text = "Exit codes:\n";
-  for (const ExitCodeRow& row : exitCodeTable()) {
-    char line[120];
-    std::snprintf(line, sizeof line, "  %3d  %s\n", static_cast<int>(row.code), row.meaning);
-    text += line;
-  }
-  return text;
+const Preset& findPreset(const Configuration& configuration, const std::string& name) {
+  const Preset* preset = configuration.findPreset(name);
+  if (preset != nullptr) return *preset;
+  std::string known;
+  for (const Preset& one : configuration.presets) known += (known.empty() ? "" : ", ") + one.name;
+  refuse("There is no preset " + name + ". " + (known.empty() ? "None is configured." : "There are: " + known + "."));
 }
 
-void addDeviceOptions(CLI::App& app, Options& options) {
-  app.add_option("-d,--device", options.device,
-                 "Device: HOST, HOST:PORT, [IPV6]:PORT, unix:PATH or usb:VVVV:PPPP[:SERIAL]; without it QSSCAN_DEVICE");
-  app.add_option("--library", options.library, "The scanning library, where it is not in its usual place");
-  app.add_flag("--json", options.json, "Print the result as JSON on standard output");
+// The address of the device that was named, by the option, the environment or the configuration.
+std::string findDevice(const std::string& named, const Configuration& configuration) {
+  if (!named.empty()) return configuration.addressOf(named);
+  const char* device = std::getenv("QSSCAN_DEVICE");
+  if (device != nullptr && *device != '\0') return configuration.addressOf(device);
+  if (!configuration.defaultDevice.empty()) return configuration.addressOf(configuration.defaultDevice);
+  refuse(
+      "Name a device with -d or in QSSCAN_DEVICE, such as -d scanner.local. qsscan list shows those that are known.");
+}
+
+// What a scan has to be told, from the command line and from elsewhere.
+void finishScan(CommandLine& line, CLI::App& command, RawScanOptions& raw,
+                const std::vector<OptionValue>& askedByPanel) {
+  const Preset* preset = line.preset.empty() ? nullptr : &findPreset(line.options.configuration, line.preset);
+  if (preset != nullptr) addOptionValues(command, preset->values);
+  addOptionValues(command, askedByPanel);
+  try {
+    finishScanOptions(raw);
+  } catch (const CommandError& error) {
+    if (preset == nullptr) throw;
+    refuse(std::string(error.what()) + " (With the preset " + preset->name + " of " + preset->place + ".)");
+  }
+}
+
+Options::Command commandOf(const CommandLine& line) {
+  using Command = Options::Command;
+  if (line.list->parsed()) return Command::kList;
+  if (line.info->parsed()) return Command::kInfo;
+  return line.scan->parsed() ? Command::kScan : Command::kPanel;
 }
 
 }  // namespace
 
-std::optional<Options> parseCommandLine(int argc, const char* const* argv) {
-  Options options;
-  RawScanOptions raw(options);
-  CLI::App app("qsscan scans documents from the command line.", "qsscan");
-  app.require_subcommand(1);
-  app.set_version_flag("--version", "qsscan " QSSCAN_VERSION);
-  app.footer(footer());
-  CLI::App* info = app.add_subcommand("info", "Show what a device can do");
-  CLI::App* scan = app.add_subcommand("scan", "Scan pages into files");
-  addDeviceOptions(*info, options);
-  addDeviceOptions(*scan, options);
-  addScanOptions(*scan, raw);
-  scan->footer(footer());
-
+std::optional<Options> parseCommandLine(int argc, const char* const* argv,
+                                        const std::vector<OptionValue>& askedByPanel) {
+  CommandLine line;
   try {
-    app.parse(argc, argv);
+    line.app.parse(argc, argv);
   } catch (const CLI::Success& success) {
-    app.exit(success);
+    line.app.exit(success);
     return std::nullopt;
   } catch (const CLI::ParseError& error) {
     refuse(std::string(error.what()) + ". Try --help.");
   }
-  if (options.device.empty()) {
-    const char* device = std::getenv("QSSCAN_DEVICE");
-    if (device == nullptr || *device == '\0') {
-      refuse("Name a device with -d or in QSSCAN_DEVICE, such as -d scanner.local.");
-    }
-    options.device = device;
-  }
-  options.command = info->parsed() ? Options::Command::kInfo : Options::Command::kScan;
-  if (scan->parsed()) finishScanOptions(raw);
+  Options& options = line.options;
+  options.command = commandOf(line);
+  options.configuration = loadConfiguration(line.configuration);
+  for (const Preset& preset : options.configuration.presets) checkOptionNames(*line.scan, preset.values);
+  if (options.command == Options::Command::kList) return options;
+  if (line.scan->parsed()) finishScan(line, *line.scan, line.scanOptions, {});
+  if (line.panel->parsed()) finishScan(line, *line.panel, line.panelOptions, askedByPanel);
+  options.device = findDevice(options.device, options.configuration);
   return options;
 }
 
