@@ -88,7 +88,8 @@ void setColors(RawScanOptions& raw) {
 
 void setFeatureWishes(RawScanOptions& raw) {
   for (const RawScanOptions::Switch& row : raw.features) {
-    if (row.option->count() == 0) continue;
+    const bool isSwitchedOff = row.feature->takesLevel ? row.level == "false" : !row.option->as<bool>();
+    if (row.option->count() == 0 || isSwitchedOff) continue;
     std::optional<int> level;
     if (!row.level.empty()) {
       level = wholeNumber(row.level);
