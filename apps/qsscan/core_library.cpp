@@ -3,10 +3,10 @@
 #include <dlfcn.h>
 #include <unistd.h>
 
-#include <climits>
 #include <cstdlib>
 
 #include "exit_codes.h"
+#include "program_folder.h"
 
 namespace qsscan {
 namespace {
@@ -14,14 +14,6 @@ namespace {
 constexpr const char* kFileName = "libQsScanCoreApi.so";
 
 [[noreturn]] void fail(const std::string& sentence) { throw CommandError(ExitCode::kNoLibrary, sentence); }
-
-std::string programFolder() {
-  char path[PATH_MAX];
-  const ssize_t length = ::readlink("/proc/self/exe", path, sizeof path);
-  if (length <= 0) return ".";
-  const std::string text(path, static_cast<std::size_t>(length));
-  return text.substr(0, text.rfind('/'));
-}
 
 std::string findLibrary() {
   if (const char* named = std::getenv("QSSCAN_LIBRARY"); named != nullptr && *named != '\0') return named;

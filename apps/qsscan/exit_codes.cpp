@@ -19,6 +19,7 @@ std::span<const ExitCodeRow> exitCodeTable() {
       {ExitCode::kNotServed, "the device cannot do what an option asks for"},
       {ExitCode::kStoppedAtDevice, "the scan was stopped at the device"},
       {ExitCode::kInternal, "a failure inside the scanning software, lack of memory included"},
+      {ExitCode::kConfiguration, "a configuration file is wrong or cannot be read"},
       {ExitCode::kHungUp, "the terminal was closed (SIGHUP); finished pages are kept"},
       {ExitCode::kInterrupted, "interrupted (Ctrl-C); finished pages are kept"},
       {ExitCode::kTerminated, "terminated (SIGTERM); finished pages are kept"},

@@ -25,6 +25,7 @@ enum class ExitCode : int {
   kNotServed = 12,
   kStoppedAtDevice = 13,
   kInternal = 14,
+  kConfiguration = 15,
   // 128 and the number of the signal, as shells tell it.
   kHungUp = 129,
   kInterrupted = 130,

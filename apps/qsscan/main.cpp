@@ -9,7 +9,10 @@
 #include "capability_text.h"
 #include "connect.h"
 #include "core_library.h"
+#include "list_command.h"
 #include "options.h"
+#include "panel_command.h"
+#include "remembered_devices.h"
 #include "scan_command.h"
 
 namespace {
@@ -18,13 +21,15 @@ using namespace qsscan;
 
 void printJson(const nlohmann::ordered_json& json) { std::printf("%s\n", jsonText(json, 2).c_str()); }
 
-void printReport(const ScanReport& report, const Options& options) {
+void tellEnd(const ScanReport& report, const Options& options) {
+  rememberDevice(options.device);
   std::fputs(reportText(report).c_str(), stderr);
   if (options.json) printJson(reportJson(report));
 }
 
 int runInfo(orvalle_scan_api::IScanCoreApi& core, const Options& options) {
   const Capability capability = connect(core, options.device);
+  rememberDevice(options.device);
   if (options.json) {
     printJson(capabilityJson(options.device, capability));
   } else {
@@ -33,12 +38,14 @@ int runInfo(orvalle_scan_api::IScanCoreApi& core, const Options& options) {
   return static_cast<int>(ExitCode::kDone);
 }
 
-int run(const Options& options) {
+int run(const Options& options, const Complete& complete) {
+  if (options.command == Options::Command::kList) return runList(options);
   const CoreLibrary library(options.library);
   const auto core = library.create();
   if (options.command == Options::Command::kInfo) return runInfo(*core, options);
-  const ScanReport report = runScan(*core, options, stderr, printReport);
-  printReport(report, options);
+  if (options.command == Options::Command::kPanel) return runPanel(*core, options, complete, tellEnd);
+  const ScanReport report = runScan(*core, options, stderr, tellEnd);
+  tellEnd(report, options);
   return static_cast<int>(report.exit);
 }
 
@@ -67,7 +74,8 @@ int main(int argc, char** argv) {
   std::optional<Options> options;
   try {
     options = parseCommandLine(argc, argv);
-    return options ? run(*options) : static_cast<int>(ExitCode::kDone);
+    if (!options) return static_cast<int>(ExitCode::kDone);
+    return run(*options, [&](const auto& askedByPanel) { return parseCommandLine(argc, argv, askedByPanel).value(); });
   } catch (const CommandError& error) {
     return fail(error, options);
   } catch (const std::exception& error) {

@@ -127,7 +127,11 @@ void judge(ScanReport& report, const FetchOutcome& outcome, const ScanWriter& wr
 
 ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Options& options, std::FILE* progress,
                    void (*leave)(const ScanReport&, const Options&)) {
-  const Capability capability = connect(core, options.device);
+  return runScan(core, connect(core, options.device), options, progress, leave);
+}
+
+ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Capability& capability, const Options& options,
+                   std::FILE* progress, void (*leave)(const ScanReport&, const Options&)) {
   const bool asksFeeder = options.wish.source == Source::kAuto && !options.wish.duplex;
   const auto settings = makeSettings(options.wish, capability, asksFeeder && core.IsAdfInserted());
 

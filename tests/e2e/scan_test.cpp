@@ -69,6 +69,10 @@ bool VirtualScanner::wasTold(const std::string& line) const {
   return false;
 }
 
+ScanTest::ScanTest() {
+  for (const char* variable : {"XDG_CONFIG_HOME", "XDG_STATE_HOME"}) ::setenv(variable, "/dev/null/none", 1);
+}
+
 std::string ScanTest::sheet(const std::string& name, const Picture& picture) const {
   writePng(file(name), picture);
   return file(name);

@@ -54,6 +54,9 @@ struct Finished {
 // Scanners of one's own and runs of qsscan may be started by several threads.
 class ScanTest : public ::testing::Test {
  protected:
+  // Away from what the one who runs the tests has configured and scanned.
+  ScanTest();
+
   std::string file(const std::string& name) const { return folder_.file(name); }
   bool exists(const std::string& name) const { return folder_.names().contains(name); }
   // Writes a PNG and gives its path.

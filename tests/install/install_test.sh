@@ -10,6 +10,7 @@ hosts=$source/tests/install/host
 warnings=(-std=c++20 -Wall -Wextra -Wconversion -Wpedantic -Wshadow -Werror)
 modules=(QsDeviceAccs.so QsScanDecode.so QsJpegDecode.so QsImageEnhance.so)
 unset LD_LIBRARY_PATH QSSCAN_LIBRARY QSSCAN_DEVICE DESTDIR PKG_CONFIG_PATH
+export XDG_CONFIG_HOME=/dev/null/none XDG_STATE_HOME=/dev/null/none
 
 work=$(mktemp -d)
 scanner=

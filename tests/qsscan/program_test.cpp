@@ -31,6 +31,7 @@ class Program {
   Program(const TemporaryFolder& folder, const std::string& script, std::vector<std::string> words) : folder_(folder) {
     ::setenv("QSSCAN_FAKE", script.c_str(), 1);
     ::setenv("QSSCAN_LIBRARY", QSSCAN_FAKE_LIBRARY, 1);
+    for (const char* variable : {"XDG_CONFIG_HOME", "XDG_STATE_HOME"}) ::setenv(variable, "/dev/null/none", 1);
     words.insert(words.begin(), QSSCAN_PROGRAM);
     std::vector<char*> argv;
     for (std::string& word : words) argv.push_back(word.data());
