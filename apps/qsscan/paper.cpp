@@ -34,6 +34,7 @@ constexpr PaperRow kPapers[] = {
     {"double-postcard", {PAPERTYPE_POSTCARD2, 148, 200}},
     {"business-card", {PAPERTYPE_BCARD, 90, 60}},
     {"business-card-upright", {PAPERTYPE_BCARDV, 60, 90}},
+    {"id-card", {PAPERTYPE_CUSTOM, 85.6, 53.98}},
     {"long", {PAPERTYPE_LONG, 8.5 * kInch, 0}},
     {"long-narrow", {PAPERTYPE_LONG_NARROW, 4.25 * kInch, 0}},
 };
@@ -67,6 +68,8 @@ std::optional<Paper> findPaper(std::string_view name) {
   if (!width || !height) return std::nullopt;
   return Paper{PAPERTYPE_CUSTOM, *width, *height};
 }
+
+bool isLongByName(PAPERTYPE type) { return type == PAPERTYPE_LONG || type == PAPERTYPE_LONG_NARROW; }
 
 const char* paperOfLocale(std::string_view locale) {
   const auto underscore = locale.find('_');

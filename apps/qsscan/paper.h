@@ -28,6 +28,9 @@ std::span<const PaperRow> paperTable();
 // sizes below 1 mm and above 10 m included.
 std::optional<Paper> findPaper(std::string_view name);
 
+// Long paper by its own name, not as WIDTHxlong: the library drops some wishes there.
+bool isLongByName(orvalle_scan_api::PAPERTYPE type);
+
 // "letter" or "a4" for a locale name such as en_US.UTF-8.
 const char* paperOfLocale(std::string_view locale);
 

@@ -6,11 +6,13 @@
 #include <new>
 #include <optional>
 #include <thread>
+#include <utility>
 
 #include "connect.h"
 #include "interrupts.h"
 #include "page_fetcher.h"
 #include "results.h"
+#include "rotation.h"
 #include "settings.h"
 
 namespace qsscan {
@@ -28,12 +30,16 @@ constexpr std::chrono::milliseconds kStuckPatience = PageFetcher::kAbortPatience
 class ScanWriter {
  public:
   ScanWriter(const Options& options, std::FILE* progress)
-      : output_(options.output, options.writer), style_(options.progress), progress_(progress) {}
+      : output_(options.output, options.writer),
+        turnDegrees_(options.wish.turnDegrees),
+        style_(options.progress),
+        progress_(progress) {}
 
   // False once writing has failed.
-  bool write(const Page& page) {
+  bool write(Page received) {
     if (failure_) return false;
     attempt([&] {
+      const Page page = turned(std::move(received), turnDegrees_);
       output_.addPage(page);
       pages_.push_back(reportPage(page, seconds()));
       tell(pages_.back());
@@ -81,6 +87,7 @@ class ScanWriter {
   }
 
   OutputSet output_;
+  const int turnDegrees_;
   const ProgressStyle style_;
   std::FILE* progress_;  // Not owned.
   const Clock::time_point start_ = Clock::now();
@@ -146,7 +153,7 @@ ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Capability& capab
   Page page;
   // Completes the files and ends the program, though the library may be deep in a call that waits for the device.
   const auto leaveAtOnce = [&] {
-    while (queue.pop(page, std::chrono::milliseconds(0)) == PageQueue::Pop::kPage) writer.write(page);
+    while (queue.pop(page, std::chrono::milliseconds(0)) == PageQueue::Pop::kPage) writer.write(std::move(page));
     writer.finish(report);
     setInterrupted(report, interrupts.signal());
     leave(report, options);
@@ -156,7 +163,7 @@ ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Capability& capab
   Clock::time_point lastSign = Clock::now();  // the last page, or the moment before the interrupt
   for (PageQueue::Pop got; (got = queue.pop(page, kWriterPoll)) != PageQueue::Pop::kClosed;) {
     if (interrupts.count() > 0) fetcher.requestAbort();
-    if (got == PageQueue::Pop::kPage && !writer.write(page)) fetcher.requestDiscard();
+    if (got == PageQueue::Pop::kPage && !writer.write(std::move(page))) fetcher.requestDiscard();
     if (got == PageQueue::Pop::kPage || interrupts.count() == 0) lastSign = Clock::now();
     if (interrupts.count() >= 2 || Clock::now() - lastSign >= kStuckPatience) {
       fetcher.requestDiscard();

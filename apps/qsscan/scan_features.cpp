@@ -1,6 +1,7 @@
 #include "scan_features.h"
 
 #include <algorithm>
+#include <charconv>
 #include <string>
 
 #include "exit_codes.h"
@@ -44,61 +45,172 @@ bool removesBackground(const Capability& c, COLORTYPE mode) {
   }
 }
 
+template <int min, int max, int usual>
+std::optional<LevelRange> fixedLevels(const Capability&) {
+  return LevelRange{min, max, usual};
+}
+
+// A level is a place in one of these lists.
+constexpr const char* kLineWords[] = {"horizontal", "vertical", "both"};  // as the record counts directions
+constexpr const char* kHoleWords[] = {"around", "page", "white"};
+constexpr std::int32_t kHoleFills[] = {0, 1, 6};  // in the record
+
+// How a page is smoothed.
+constexpr std::uint8_t kEvenOut = 0;
+constexpr std::uint8_t kKeepEdges = 1;
+
+void smooth(Settings& s, std::uint8_t mode, int level) {
+  s.smoothing.mode = mode;
+  switchOn(s.smoothing, level);
+}
+bool canSmooth(const Capability& c, COLORTYPE) { return c.smoothing.cap == kPresent; }
+std::optional<LevelRange> smoothLevels(const Capability& c) { return rangeOf(c.smoothing.level); }
+
 constexpr Feature kFeatures[] = {
-    {"--deskew", "Straighten pages that were fed askew", false, false, "The device cannot straighten pages",
-     [](const Capability& c, COLORTYPE) { return c.autoDeskew == kPresent; }, nullptr,
-     [](Settings& s, int) { s.autoDeskew = 1; }},
+    {.option = "--deskew",
+     .group = kPageGroup,
+     .help = "Straighten pages that were fed askew",
+     .isDroppedOnLongPaper = true,
+     .lack = "The device cannot straighten pages",
+     .isServed = [](const Capability& c, COLORTYPE) { return c.autoDeskew == kPresent; },
+     .set = [](Settings& s, int) { s.autoDeskew = 1; }},
     // The record has no device that turns pages: the library turns them, by what it reads on them.
-    {"--auto-rotate", "Turn pages upright by the text on them", false, false, "", nullptr, nullptr,
-     [](Settings& s, int) { s.autoRotate = 1; }},
-    {"--skip-blank", "Leave blank pages out; a higher LEVEL takes more pages for blank", true, false,
-     "The device cannot tell blank pages",
-     [](const Capability& c, COLORTYPE) { return c.blankRemoval.cap == kPresent; }, blankLevels,
-     [](Settings& s, int level) { switchOn(s.blankPageRemoval, level); }},
-    {"--detect-multifeed", "Stop where two sheets are fed at once", false, false,
-     "The device cannot detect two sheets fed at once",
-     [](const Capability& c, COLORTYPE) { return c.multifeed == kPresent; }, nullptr,
-     [](Settings& s, int) { s.multifeedDetect = 1; }},
-    {"--remove-background", "Make tinted paper white; LEVEL 0 to 255", true, false,
-     "The device cannot remove the background", removesBackground,
-     [](const Capability&) -> std::optional<LevelRange> {
-       return LevelRange{0, 255, kMiddleOfBackground};
-     },
-     [](Settings& s, int level) { switchOn(s.removeBackground, level); }},
-    {"--carrier-sheet", "The sheet lies in a carrier sheet", false, false, "The device takes no carrier sheet",
-     [](const Capability& c, COLORTYPE) { return c.carrierSheet == kPresent; }, nullptr,
-     [](Settings& s, int) { s.carrierSheet = 1; }},
-    {"--quiet", "Scan slowly and quietly", false, false, "The device has no quiet mode",
-     [](const Capability& c, COLORTYPE) { return c.quietMode == kPresent; }, nullptr,
-     [](Settings& s, int) { s.quietScan = 1; }},
-    {kProfileOption, "Attach the device's colour profile to the pages", false, true,
-     "The device gives no colour profile", [](const Capability& c, COLORTYPE) { return c.iccProfile == kPresent; },
-     nullptr, [](Settings& s, int) { s.wantColorProfile = 1; }},
-    {"--auto-tone", "Make the darkest ink black and the paper white", false, true, "Tone cannot be corrected",
-     [](const Capability& c, COLORTYPE) { return c.colorTone.cap == kPresent; }, nullptr,
-     [](Settings& s, int) { s.colorTone.enable = s.colorTone.autoMode = 1; }},
-    {"--sharpen", "Sharpen edges; LEVEL 1 to 5", true, true, "Edges cannot be sharpened",
-     [](const Capability& c, COLORTYPE) { return c.edgeEnhance.cap == kPresent; },
-     [](const Capability& c) { return rangeOf(c.edgeEnhance.level); },
-     [](Settings& s, int level) { switchOn(s.edgeEnhance, level); }},
-    {"--smooth", "Even out paper and print; LEVEL -50 to 50", true, false, "Pages cannot be smoothed",
-     [](const Capability& c, COLORTYPE) { return c.smoothing.cap == kPresent; },
-     [](const Capability& c) { return rangeOf(c.smoothing.level); },
-     [](Settings& s, int level) {
-       constexpr std::uint8_t kKeepEdges = 1;
-       s.smoothing.mode = kKeepEdges;
-       switchOn(s.smoothing, level);
-     }},
-    {"--thicken-text", "Make thin strokes thicker; LEVEL 1 to 5", true, false, "Text cannot be thickened",
-     [](const Capability& c, COLORTYPE) { return c.thickText.cap == kPresent; },
-     [](const Capability& c) { return rangeOf(c.thickText.level); },
-     [](Settings& s, int level) { switchOn(s.thickText, level); }},
-    {"--join-dots", "Join the dots of needle-printed letters", false, false, "Dots cannot be joined",
-     [](const Capability& c, COLORTYPE) { return c.dotTextCombine == kPresent; }, nullptr,
-     [](Settings& s, int) { s.dotTextCombine = 1; }},
+    {.option = "--auto-rotate",
+     .group = kPageGroup,
+     .help = "Turn pages upright by the text on them",
+     .isDroppedOnLongPaper = true,
+     .set = [](Settings& s, int) { s.autoRotate = 1; }},
+    {.option = "--auto-length",
+     .group = kPageGroup,
+     .help = "End a page where the device ends it, instead of filling it up with white",
+     .lack = "The end of a sheet cannot be told",
+     .isServed = [](const Capability& c, COLORTYPE) { return c.detectEndOfPage == kPresent; },
+     .set = [](Settings& s, int) { s.detectEndOfPage = 1; }},
+    {.option = "--skip-blank",
+     .group = kFeedGroup,
+     .help = "Leave blank pages out; a higher LEVEL takes more pages for blank",
+     .takesLevel = true,
+     .lack = "The device cannot tell blank pages",
+     .isServed = [](const Capability& c, COLORTYPE) { return c.blankRemoval.cap == kPresent; },
+     .levels = blankLevels,
+     .set = [](Settings& s, int level) { switchOn(s.blankPageRemoval, level); }},
+    {.option = "--detect-multifeed",
+     .group = kFeedGroup,
+     .help = "Stop where two sheets are fed at once",
+     .lack = "The device cannot detect two sheets fed at once",
+     .isServed = [](const Capability& c, COLORTYPE) { return c.multifeed == kPresent; },
+     .set = [](Settings& s, int) { s.multifeedDetect = 1; }},
+    {.option = "--carrier-sheet",
+     .group = kFeedGroup,
+     .help = "The sheet lies in a carrier sheet",
+     .isDroppedOnLongPaper = true,
+     .lack = "The device takes no carrier sheet",
+     .isServed = [](const Capability& c, COLORTYPE) { return c.carrierSheet == kPresent; },
+     .set = [](Settings& s, int) { s.carrierSheet = 1; }},
+    {.option = "--quiet",
+     .group = kFeedGroup,
+     .help = "Scan slowly and quietly",
+     .lack = "The device has no quiet mode",
+     .isServed = [](const Capability& c, COLORTYPE) { return c.quietMode == kPresent; },
+     .set = [](Settings& s, int) { s.quietScan = 1; }},
+    {.option = "--auto-tone",
+     .group = kPictureGroup,
+     .help = "Make the darkest ink black and the paper white",
+     .needsShades = true,
+     .isDroppedOnLongPaper = true,
+     .lack = "Tone cannot be corrected",
+     .isServed = [](const Capability& c, COLORTYPE) { return c.colorTone.cap == kPresent; },
+     .set = [](Settings& s, int) { s.colorTone.enable = s.colorTone.autoMode = 1; }},
+    {.option = "--remove-background",
+     .group = kPictureGroup,
+     .help = "Make tinted paper white; LEVEL 0 to 255",
+     .takesLevel = true,
+     .lack = "The device cannot remove the background",
+     .isServed = removesBackground,
+     .levels = fixedLevels<0, 255, kMiddleOfBackground>,
+     .set = [](Settings& s, int level) { switchOn(s.removeBackground, level); }},
+    {.option = kProfileOption,
+     .group = kPictureGroup,
+     .help = "Attach the device's colour profile to the pages",
+     .needsShades = true,
+     .lack = "The device gives no colour profile",
+     .isServed = [](const Capability& c, COLORTYPE) { return c.iccProfile == kPresent; },
+     .set = [](Settings& s, int) { s.wantColorProfile = 1; }},
+    {.option = "--sharpen",
+     .group = kCleaningGroup,
+     .help = "Sharpen edges; LEVEL 1 to 5",
+     .takesLevel = true,
+     .needsShades = true,
+     .isDroppedOnLongPaper = true,
+     .lack = "Edges cannot be sharpened",
+     .isServed = [](const Capability& c, COLORTYPE) { return c.edgeEnhance.cap == kPresent; },
+     .levels = [](const Capability& c) { return rangeOf(c.edgeEnhance.level); },
+     .set = [](Settings& s, int level) { switchOn(s.edgeEnhance, level); }},
+    {.option = "--smooth",
+     .group = kCleaningGroup,
+     .help = "Take the grain from the paper and leave edges sharp; LEVEL -50 to 50",
+     .takesLevel = true,
+     .excludes = "--descreen",
+     .lack = "Pages cannot be smoothed",
+     .isServed = canSmooth,
+     .levels = smoothLevels,
+     .set = [](Settings& s, int level) { smooth(s, kKeepEdges, level); }},
+    {.option = "--descreen",
+     .group = kCleaningGroup,
+     .help = "Turn printed dots into shades, against moire; LEVEL -50 to 50",
+     .takesLevel = true,
+     .lack = "Pages cannot be smoothed",
+     .isServed = canSmooth,
+     .levels = smoothLevels,
+     .set = [](Settings& s, int level) { smooth(s, kEvenOut, level); }},
+    {.option = "--thicken-text",
+     .group = kCleaningGroup,
+     .help = "Make thin strokes thicker; LEVEL 1 to 5",
+     .takesLevel = true,
+     .excludes = "--join-dots",
+     .lack = "Text cannot be thickened",
+     .isServed = [](const Capability& c, COLORTYPE) { return c.thickText.cap == kPresent; },
+     .levels = [](const Capability& c) { return rangeOf(c.thickText.level); },
+     .set = [](Settings& s, int level) { switchOn(s.thickText, level); }},
+    {.option = "--join-dots",
+     .group = kCleaningGroup,
+     .help = "Join the dots of needle-printed letters",
+     .lack = "Dots cannot be joined",
+     .isServed = [](const Capability& c, COLORTYPE) { return c.dotTextCombine == kPresent; },
+     .set = [](Settings& s, int) { s.dotTextCombine = 1; }},
+    // The record says of the next three for every device that it lacks them: they are the library's own work.
+    {.option = "--despeckle",
+     .group = kCleaningGroup,
+     .help = "Take specks away; LEVEL 1 to 5, from the finest to the coarsest",
+     .takesLevel = true,
+     .isDroppedOnLongPaper = true,
+     .levels = fixedLevels<1, 5, 3>,
+     .set = [](Settings& s, int level) { switchOn(s.noiseRemoval, level); }},
+    {.option = "--remove-lines",
+     .group = kCleaningGroup,
+     .help = "Take ruled lines away, but not the strokes across them",
+     .words = kLineWords,
+     .isDroppedOnLongPaper = true,
+     .levels = fixedLevels<0, 2, 2>,
+     .set =
+         [](Settings& s, int direction) {
+           s.lineRemoval.enable = 1;
+           s.lineRemoval.direction = direction;
+         }},
+    {.option = "--remove-holes",
+     .group = kCleaningGroup,
+     .help = "Fill punched holes: with the paper around them, the colour of the page, or white",
+     .words = kHoleWords,
+     .levels = fixedLevels<0, 2, 0>,
+     .set =
+         [](Settings& s, int word) {
+           s.punchHoleRemoval.enable = 1;
+           s.punchHoleRemoval.fill = kHoleFills[word];
+         }},
 };
 
 [[noreturn]] void refuse(const std::string& sentence) { throw CommandError(ExitCode::kNotServed, sentence); }
+[[noreturn]] void refuseUsage(const std::string& sentence) { throw CommandError(ExitCode::kUsage, sentence); }
 
 bool hasShades(COLORTYPE mode) { return mode != COLORTYPE_BLACKANDWHITE && mode != COLORTYPE_ERRORDIFFUSION; }
 
@@ -129,25 +241,48 @@ int levelFor(const FeatureWish& wish, const Capability& capability) {
   return level;
 }
 
+bool isWished(std::span<const FeatureWish> wishes, std::string_view option) {
+  return std::any_of(wishes.begin(), wishes.end(),
+                     [option](const FeatureWish& wish) { return wish.feature->option == option; });
+}
+
 }  // namespace
 
 std::span<const Feature> featureTable() { return kFeatures; }
 
-bool wishesProfile(std::span<const FeatureWish> wishes) {
-  return std::any_of(wishes.begin(), wishes.end(),
-                     [](const FeatureWish& wish) { return std::string_view(wish.feature->option) == kProfileOption; });
+int parseLevel(const Feature& feature, std::string_view text) {
+  if (feature.words.empty()) {
+    int value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error == std::errc{} && end == text.data() + text.size()) return value;
+    refuseUsage(std::string("The level of ") + feature.option + " is a whole number.");
+  }
+  std::string names;
+  for (std::size_t i = 0; i < feature.words.size(); ++i) {
+    if (text == feature.words[i]) return static_cast<int>(i);
+    names += (i == 0 ? "" : ", ") + std::string(feature.words[i]);
+  }
+  refuseUsage(std::string("Write ") + feature.option + " alone or with one of: " + names + ".");
 }
+
+bool wishesProfile(std::span<const FeatureWish> wishes) { return isWished(wishes, kProfileOption); }
 
 void setFeatures(std::span<const FeatureWish> wishes, const Capability& capability, Settings& settings) {
   for (const FeatureWish& wish : wishes) {
-    if (wish.feature->needsShades && !hasShades(settings.colorType)) {
-      throw CommandError(ExitCode::kUsage, std::string(wish.feature->option) +
-                                               " needs the mode color, gray or auto, since a page of the "
-                                               "mode " +
-                                               modeName(settings.colorType) + " has no shades.");
+    const Feature& feature = *wish.feature;
+    const std::string option = feature.option;
+    if (feature.needsShades && !hasShades(settings.colorType)) {
+      refuseUsage(option + " needs the mode color, gray or auto, since a page of the mode " +
+                  modeName(settings.colorType) + " has no shades.");
     }
-    checkServed(*wish.feature, capability, settings.colorType);
-    wish.feature->set(settings, levelFor(wish, capability));
+    if (feature.isDroppedOnLongPaper && isLongByName(settings.paperType)) {
+      refuseUsage(option + " does not go with long paper: leave it out, or name the length of the paper.");
+    }
+    if (feature.excludes != nullptr && isWished(wishes, feature.excludes)) {
+      refuseUsage(option + " and " + feature.excludes + " exclude each other.");
+    }
+    checkServed(feature, capability, settings.colorType);
+    feature.set(settings, levelFor(wish, capability));
   }
 }
 

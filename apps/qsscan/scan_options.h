@@ -30,6 +30,9 @@ struct RawScanOptions {
   CLI::Option* progressOption = nullptr;  // Not owned, like the others.
   std::string threshold;
   std::string colorDrop;
+  std::string edgeCut;
+  std::string edgeFill;
+  std::string edgeColor;
   struct Switch {
     const Feature* feature;
     CLI::Option* option = nullptr;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "color_drop.h"
+#include "edges.h"
 #include "paper.h"
 #include "scan_features.h"
 #include "scan_types.h"
@@ -35,11 +36,13 @@ struct ScanWish {
   std::optional<unsigned> threshold;
   bool autoThreshold = false;  // found for each page
   ToneWish tone;
+  EdgeWish edges;
   std::optional<ColorDropWish> colorDrop;
   std::optional<int> colorDropRange;
   std::vector<FeatureWish> features;
-  int pages = 0;   // 0 for all
-  int sheets = 0;  // 0 for all
+  int turnDegrees = 0;  // clockwise, done here to pages that the device has sent: 0, 90, 180 or 270
+  int pages = 0;        // 0 for all
+  int sheets = 0;       // 0 for all
 
   bool hasArea() const { return leftMm || topMm || widthMm || heightMm; }
 };

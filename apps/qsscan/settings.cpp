@@ -171,7 +171,13 @@ void setBrightness(const ScanWish& wish, const Capability& capability, QS_SCANNE
   if (settings.colorType != COLORTYPE_BLACKANDWHITE) refuseUsage("--threshold belongs to --mode mono.");
   // The library finds it on each page; what the record says of the device's own finding does not matter.
   settings.autoThreshold = wish.autoThreshold;
-  if (wish.autoThreshold) return;
+  if (wish.autoThreshold) {
+    // The library drops the wish there, without a word.
+    if (isLongByName(settings.paperType)) {
+      refuseUsage("--threshold auto does not go with long paper: give a number, or name the length of the paper.");
+    }
+    return;
+  }
   const MONOTHRESHOLDSUPPORT& support = capability.monoThreshold;
   const bool reported = support.manualThresholdLevelMax > 0;
   const auto value = static_cast<std::int32_t>(*wish.threshold);
@@ -247,6 +253,7 @@ QS_SCANNER_PARAMETERS makeSettings(const ScanWish& wish, const Capability& capab
   setBrightness(wish, capability, settings);
   setFeatures(wish.features, capability, settings);
   setTone(wish.tone, capability, settings);
+  setEdges(wish.edges, capability, settings);
   if (wish.colorDrop) {
     setColorDrop(*wish.colorDrop, wish.colorDropRange.value_or(kUsualDropRange), capability, settings);
   }

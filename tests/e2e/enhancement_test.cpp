@@ -106,8 +106,117 @@ TEST_P(Enhancement, StrokesBecomeThicker) {
   EXPECT_GT(thick, plain * 5 / 4);
 }
 
+// A round dark spot near the left edge, and text.
+TEST_P(Enhancement, PunchedHolesAreFilledAndTheTextStays) {
+  Picture drawn = drawText(kWidthPx, kHeightPx, kDpi, 3);
+  constexpr int kMiddleX = 120, kMiddleY = 500, kRadiusPx = 35;  // 10 mm from the edge, 6 mm across
+  for (int y = kMiddleY - 60; y < kMiddleY + 60; ++y) {
+    for (int x = kMiddleX - 60; x < kMiddleX + 60; ++x) {
+      const int dx = x - kMiddleX, dy = y - kMiddleY;
+      *drawn.at(x, y) = dx * dx + dy * dy <= kRadiusPx * kRadiusPx ? 40 : 255;
+    }
+  }
+  VirtualScanner& scanner = startWith({sheet("sheet.png", drawn)});
+  const Picture plain = scanned(scanner, {"--mode", "gray"});
+  EXPECT_LT(*plain.at(kMiddleX, kMiddleY), 80);
+  for (const char* fill : {"--remove-holes", "--remove-holes=page", "--remove-holes=white"}) {
+    SCOPED_TRACE(fill);
+    const Picture page = scanned(scanner, {"--mode", "gray", fill});
+    EXPECT_GT(*page.at(kMiddleX, kMiddleY), 230);
+    EXPECT_LT(shareOfChanges(cutOut(plain, 300, 0, 400, kHeightPx), cutOut(page, 300, 0, 400, kHeightPx)), 0.001);
+  }
+}
+
+TEST_P(Enhancement, TheEdgesArePaintedOver) {
+  const Picture drawn(kWidthPx, kHeightPx, 1, kDpi);
+  Picture gray = drawn;
+  std::fill(gray.pixels.begin(), gray.pixels.end(), std::uint8_t{150});
+  VirtualScanner& scanner = startWith({sheet("sheet.png", gray)});
+  // 5.08 mm are 60 pixels, 2.54 mm 30.
+  const Picture page = scanned(scanner, {"--mode", "gray", "--edge-fill", "5.08,2.54,0,2.54", "--edge-color", "black"});
+  EXPECT_EQ(*page.at(58, 400), 0) << "left";
+  EXPECT_NEAR(*page.at(62, 400), 150, 5);
+  EXPECT_EQ(*page.at(400, 28), 0) << "top";
+  EXPECT_NEAR(*page.at(400, 32), 150, 5);
+  EXPECT_NEAR(*page.at(kWidthPx - 1, 400), 150, 5) << "right";
+  EXPECT_EQ(*page.at(400, page.heightPx - 28), 0) << "bottom";
+  EXPECT_EQ(*scanned(scanner, {"--mode", "gray", "--edge-fill", "2"}).at(2, 2), 255) << "white without a colour";
+}
+
+TEST_P(Enhancement, PrintedDotsBecomeAShade) {
+  Picture drawn(kWidthPx, kHeightPx, 1, kDpi);
+  for (int y = 0; y < kHeightPx; ++y) {
+    for (int x = 0; x < kWidthPx; ++x) *drawn.at(x, y) = x % 4 < 2 && y % 4 < 2 ? 0 : 255;
+  }
+  VirtualScanner& scanner = startWith({sheet("sheet.png", drawn)});
+  // How far the middle of the page is from one shade.
+  const auto contrast = [](const Picture& page) {
+    int darkest = 255, brightest = 0;
+    for (int y = 300; y < 340; ++y) {
+      for (int x = 300; x < 340; ++x) {
+        darkest = std::min<int>(darkest, *page.at(x, y));
+        brightest = std::max<int>(brightest, *page.at(x, y));
+      }
+    }
+    return brightest - darkest;
+  };
+  const int plain = contrast(scanned(scanner, {"--mode", "gray"}));
+  EXPECT_GT(plain, 150);
+  EXPECT_LT(contrast(scanned(scanner, {"--mode", "gray", "--descreen"})), plain / 2);
+}
+
 INSTANTIATE_TEST_SUITE_P(Scanners, Enhancement, ::testing::Values("office", "classic"),
                          [](const auto& info) { return std::string(info.param); });
+
+// What the library does for devices of the newer command version alone.
+class Cleaning : public ScanTest {
+ protected:
+  Picture scanned(VirtualScanner& scanner, const Arguments& options) {
+    Arguments arguments = {"--mode", "mono", "--page-size", paperOf(kWidthPx, kHeightPx, kDpi), "-o", file("page.png")};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    EXPECT_TRUE(endedWith(0, scan(scanner.address(), arguments)));
+    return readPng(file("page.png"));
+  }
+};
+
+TEST_F(Cleaning, SpecksGoAndTheTextStays) {
+  const Picture text = blackAndWhite(drawText(kWidthPx, kHeightPx, kDpi, 4), 128);
+  Picture drawn(kWidthPx, kHeightPx, 1, kDpi);
+  for (int y = 0; y < 600; ++y) std::copy_n(text.at(0, y), kWidthPx, drawn.at(0, y));
+  for (int y = 640; y < kHeightPx - 20; y += 37) {
+    for (int x = 20; x < kWidthPx - 20; x += 41) *drawn.at(x, y) = *drawn.at(x + 1, y) = 0;
+  }
+  VirtualScanner& scanner = startScanner({"--reload", sheet("sheet.png", drawn)});
+  const auto inkBelow = [](const Picture& page) {
+    return std::count(page.at(0, 620), page.at(0, 620) + std::ptrdiff_t{kWidthPx} * (kHeightPx - 640), 0);
+  };
+  const Picture plain = scanned(scanner, {});
+  const Picture page = scanned(scanner, {"--despeckle"});
+  EXPECT_GT(inkBelow(plain), 100);
+  EXPECT_EQ(inkBelow(page), 0);
+  EXPECT_LT(shareOfChanges(cutOut(plain, 0, 0, kWidthPx, 600), cutOut(page, 0, 0, kWidthPx, 600)), 0.001);
+}
+
+TEST_F(Cleaning, LinesGoInTheDirectionThatIsNamed) {
+  Picture drawn(kWidthPx, kHeightPx, 1, kDpi);
+  for (int along = 50; along < 650; ++along) {
+    for (int thick = 0; thick < 4; ++thick) *drawn.at(along, 300 + thick) = *drawn.at(500 + thick, along) = 0;
+  }
+  VirtualScanner& scanner = startScanner({"--reload", sheet("sheet.png", drawn)});
+  const struct {
+    const char* option;
+    bool horizontalStays, verticalStays;
+  } rows[] = {{"--skip-blank", true, true},
+              {"--remove-lines=horizontal", false, true},
+              {"--remove-lines=vertical", true, false},
+              {"--remove-lines", false, false}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.option);
+    const Picture page = scanned(scanner, {row.option});
+    EXPECT_EQ(*page.at(200, 302) == 0, row.horizontalStays);
+    EXPECT_EQ(*page.at(502, 500) == 0, row.verticalStays);
+  }
+}
 
 class AutomaticColor : public ScanTest {};
 

@@ -73,5 +73,22 @@ TEST_P(Lengths, LongColorPaperEndsWhereItsSheetEnds) {
 INSTANTIATE_TEST_SUITE_P(Scanners, Lengths, ::testing::Values("office", "classic"),
                          [](const auto& info) { return std::string(info.param); });
 
+class AutomaticLength : public ScanTest {};
+
+// A feeder that ends the page before the area that was asked for is full.
+TEST_F(AutomaticLength, APageThatTheDeviceEndsIsNotFilledUp) {
+  const Picture drawn = drawText(kLongWidthPx, 1100, kDpi, 6);
+  VirtualScanner& scanner = startScanner({"--reload", "--set", "compressType[2]=3", "--lines", "raw", "--fault",
+                                          "too-long@page=1,line=500", sheet("sheet.png", drawn)});
+  const Arguments gray = {"--mode", "gray", "--resolution", "100", "--page-size", "letter", "-o", file("page.png")};
+  ASSERT_TRUE(endedWith(0, scan(scanner.address(), gray)));
+  const Picture top = cutOut(drawn, 0, 0, kLongWidthPx, 500);
+  EXPECT_EQ(difference(onWhite(top, kLongWidthPx, 1100), readPng(file("page.png"))), "");
+  Arguments automatic = gray;
+  automatic.push_back("--auto-length");
+  ASSERT_TRUE(endedWith(0, scan(scanner.address(), automatic)));
+  EXPECT_EQ(difference(top, readPng(file("page.png"))), "");
+}
+
 }  // namespace
 }  // namespace e2e

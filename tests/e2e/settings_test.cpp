@@ -35,6 +35,8 @@ const Told kTold[] = {
     {"office", {}, {"--mode", "mono", "--threshold", "77"}, "THRS=77", nullptr},
     {"office", {}, {"--mode", "mono", "--threshold", "auto"}, "CLR=C24BIT", "CLR=C24BIT"},
     {"office", {}, {"--mode", "gray", "--color-drop", "red"}, "CLR=C24BIT", "CLR=C24BIT"},
+    {"office", {}, {"--mode", "mono", "--remove-holes"}, "CLR=C24BIT", "CLR=C24BIT"},
+    {"office", {}, {"--mode", "gray", "--descreen"}, "CLR=C24BIT", "CLR=C24BIT"},
     {"office", {}, {"--mode", "auto"}, "CLR=AUTO", "CLR=C24BIT"},
     {"classic", {}, {"--detect-multifeed"}, "E=1", "E=0"},
     {"classic", {}, {"--mode", "mono", "--remove-background=9"}, "L=9", "L=0"},
@@ -81,6 +83,9 @@ TEST_F(Settings, WhatADeviceLacksIsRefusedBeforeItIsToldAnything) {
     EXPECT_TRUE(endedWith(12, run)) << option;
     EXPECT_NE(run.err.find(std::string("Leave out ") + option), std::string::npos) << run.err;
   }
+  const Finished cut = scan(scanner.address(), {"--edge-cut", "2", "-o", file("page.pdf")});
+  EXPECT_TRUE(endedWith(12, cut));
+  EXPECT_NE(cut.err.find("Use -l -t -x -y"), std::string::npos) << cut.err;
   for (const Arguments& options :
        {Arguments{"--sheets", "2"}, Arguments{"--page-size", "long"}, Arguments{"--source", "adf"},
         Arguments{"--mode", "auto"}, Arguments{"--resolution", "250"}, Arguments{"--page-size", "a3"}}) {
@@ -149,6 +154,21 @@ TEST_F(Settings, TwoSheetsFedAtOnceEndTheScanWhereTheyAreLookedFor) {
     const Finished run = scan(scanner.address(), {"--mode", "mono", "--detect-multifeed", "-o", file("kept.tif")});
     EXPECT_TRUE(endedWith(4, run));
     EXPECT_EQ(readTiffPages(file("kept.tif")).size(), 1u) << "the page before it is kept";
+  }
+}
+
+TEST_F(Settings, PagesAreTurnedByQuarters) {
+  const Picture drawn = drawText(kWidthPx, kHeightPx, kDpi, 8);
+  VirtualScanner& scanner = startScanner({"--reload", "--set", "compressType[2]=3", sheet("sheet.png", drawn)});
+  EXPECT_EQ(difference(turnedHalfway(drawn), scannedPng(scanner, {"--mode", "gray", "--rotate", "180"})), "");
+  const Picture quarter = scannedPng(scanner, {"--mode", "gray", "--rotate", "90"});
+  ASSERT_EQ(quarter.widthPx, kHeightPx);
+  ASSERT_EQ(quarter.heightPx, kWidthPx);
+  const Picture other = scannedPng(scanner, {"--mode", "gray", "--rotate", "270"});
+  EXPECT_EQ(difference(turnedHalfway(quarter), other), "");
+  for (int y = 0; y < kHeightPx; y += 7) {
+    for (int x = 0; x < kWidthPx; x += 5)
+      ASSERT_EQ(*drawn.at(x, y), *quarter.at(kHeightPx - 1 - y, x)) << x << "," << y;
   }
 }
 

@@ -123,6 +123,20 @@ TEST(Options, ToneColourAndThresholdReachTheirPlace) {
   EXPECT_NE(scan({"--color-drop", "red"}).wish.colorDrop->preset, nullptr);
 }
 
+TEST(Options, EdgesTurningAndWordsReachTheirPlace) {
+  const Options options = scan({"--edge-cut", "2", "--edge-fill", "1,2,3,4", "--edge-color", "black", "--rotate", "270",
+                                "--remove-lines", "vertical", "--remove-holes=page", "-o", "a.tif"});
+  ASSERT_TRUE(options.wish.edges.cut);
+  EXPECT_EQ(options.wish.edges.cut->bottomMm, 2);
+  ASSERT_TRUE(options.wish.edges.fill);
+  EXPECT_EQ(options.wish.edges.fill->topMm, 2);
+  EXPECT_TRUE(options.wish.edges.fillIsBlack);
+  EXPECT_EQ(options.wish.turnDegrees, 270);
+  EXPECT_EQ(levelOf(options, "--remove-lines"), 1);
+  EXPECT_EQ(levelOf(options, "--remove-holes"), 1);
+  EXPECT_FALSE(scan({"--edge-fill", "1"}).wish.edges.fillIsBlack);
+}
+
 TEST(Options, TheDeviceMayComeFromTheEnvironment) {
   ::setenv("QSSCAN_DEVICE", "unix:/s", 1);
   EXPECT_EQ(parse({"info"}).device, "unix:/s");
@@ -167,6 +181,12 @@ INSTANTIATE_TEST_SUITE_P(
                     BadRow{"RangeOfANamedColor",
                            {"scan", "-d", "h", "--color-drop", "red", "--color-drop-range", "9"},
                            "--color-drop-range"},
+                    BadRow{"BadWord", {"scan", "-d", "h", "--remove-lines", "all"}, "horizontal, vertical, both"},
+                    BadRow{"BadEdges", {"scan", "-d", "h", "--edge-fill", "1,2"}, "LEFT,TOP,RIGHT,BOTTOM"},
+                    BadRow{"BadCut", {"scan", "-d", "h", "--edge-cut", "-2"}, "--edge-cut"},
+                    BadRow{"BadEdgeColor", {"scan", "-d", "h", "--edge-fill", "1", "--edge-color", "red"}, "black"},
+                    BadRow{"EdgeColorOfNothing", {"scan", "-d", "h", "--edge-color", "black"}, "--edge-fill"},
+                    BadRow{"BadTurn", {"scan", "-d", "h", "--rotate", "45"}, "--rotate"},
                     BadRow{"BadGamma", {"scan", "-d", "h", "--gamma", "high"}, "gamma"},
                     BadRow{"BadSheets", {"scan", "-d", "h", "--sheets", "0"}, "sheets"},
                     BadRow{"ProfileInPnm", {"scan", "-d", "h", "--icc-profile", "-o", "a.pnm"}, "pnm"},

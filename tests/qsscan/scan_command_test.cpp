@@ -193,6 +193,21 @@ TEST_F(ScanCommand, EveryRequestToStopKeepsTheFinishedPages) {
   }
 }
 
+TEST_F(ScanCommand, PagesAreTurnedBeforeTheyAreToldAndWritten) {
+  options.wish.turnDegrees = 90;
+  script.pages[0].bitsPerPixel = 8;
+  options.output = {Format::kPnm, "", folder.file("p%d.pnm")};
+  const ScanReport report = run();
+  ASSERT_EQ(report.pages.size(), 3u);
+  EXPECT_EQ(report.pages[0].widthPx, 30);
+  EXPECT_EQ(report.pages[0].heightPx, 40);
+  const std::string file = folder.content("p1.pnm");
+  const std::string head = "P5\n# 300 x 300 dpi\n30 40\n255\n";
+  ASSERT_EQ(file.substr(0, head.size()), head);
+  // What was the lower left corner is the upper left one now.
+  EXPECT_EQ(static_cast<std::uint8_t>(file[head.size()]), fakeByte(29, 0));
+}
+
 TEST_F(ScanCommand, PagesCutByTheDeviceAreTold) {
   script.pages[1].cutAtMaximum = true;
   const ScanReport report = run();

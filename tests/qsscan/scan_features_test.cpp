@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <set>
 #include <string>
+#include <utility>
 
 #include "apps/qsscan/exit_codes.h"
 #include "apps/qsscan/settings.h"
@@ -25,6 +27,7 @@ Capability ableCapability() {
   c.colorTone.cap = 2;
   c.edgeEnhance = c.thickText = {2, 0, {5, 1, 1}};
   c.smoothing = {2, 0, 2, 0, {50, -50, 0}};
+  c.detectEndOfPage = 2;
   return c;
 }
 
@@ -108,6 +111,43 @@ TEST(ScanFeatures, EachSetsItsFieldsOfTheRecord) {
          s.thickText = {1, 3};
        }},
       {"--join-dots", {}, [](Settings& s) { s.dotTextCombine = 1; }},
+      {"--auto-length", {}, [](Settings& s) { s.detectEndOfPage = 1; }},
+      {"--descreen",
+       {},
+       [](Settings& s) {
+         s.smoothing = {1, 0, 0};
+       }},
+      {"--despeckle",
+       {},
+       [](Settings& s) {
+         s.noiseRemoval = {1, 3};
+       }},
+      {"--despeckle", 5,
+       [](Settings& s) {
+         s.noiseRemoval = {1, 5};
+       }},
+      {"--remove-lines",
+       {},
+       [](Settings& s) {
+         s.lineRemoval = {1, 2, 0, 0, 0};
+       }},
+      {"--remove-lines", 0,
+       [](Settings& s) {
+         s.lineRemoval = {1, 0, 0, 0, 0};
+       }},
+      {"--remove-holes",
+       {},
+       [](Settings& s) {
+         s.punchHoleRemoval = {1, 0};
+       }},
+      {"--remove-holes", 1,
+       [](Settings& s) {
+         s.punchHoleRemoval = {1, 1};
+       }},
+      {"--remove-holes", 2,
+       [](Settings& s) {
+         s.punchHoleRemoval = {1, 6};
+       }},
   };
   for (const Feature& feature : featureTable()) {
     EXPECT_TRUE(std::any_of(std::begin(kRows), std::end(kRows),
@@ -139,6 +179,59 @@ TEST(ScanFeatures, WhatTheDeviceLacksIsRefused) {
 
 TEST(ScanFeatures, TheLibrarysOwnWorkNeedsNothingOfTheDevice) {
   EXPECT_EQ(settingsWith("--auto-rotate", {}, Capability{}).autoRotate, 1);
+  // The record of every device says that it lacks these.
+  Capability capability = ableCapability();
+  capability.dustRemoval.cap = capability.lineRemoval.cap = capability.punchHole.cap = 1;
+  EXPECT_EQ(settingsWith("--despeckle", {}, capability).noiseRemoval.enable, 1);
+  EXPECT_EQ(settingsWith("--remove-lines", {}, capability).lineRemoval.enable, 1);
+  EXPECT_EQ(settingsWith("--remove-holes", {}, capability).punchHoleRemoval.enable, 1);
+}
+
+TEST(ScanFeatures, AWordStandsForItsPlaceInTheList) {
+  EXPECT_EQ(parseLevel(*find("--remove-lines"), "horizontal"), 0);
+  EXPECT_EQ(parseLevel(*find("--remove-lines"), "both"), 2);
+  EXPECT_EQ(parseLevel(*find("--remove-holes"), "white"), 2);
+  EXPECT_EQ(parseLevel(*find("--smooth"), "-20"), -20);
+  for (const auto& [option, text] : {std::pair("--remove-lines", "1"), std::pair("--remove-lines", "Both"),
+                                     std::pair("--sharpen", "1.5"), std::pair("--sharpen", "")}) {
+    EXPECT_THROW(parseLevel(*find(option), text), CommandError) << option << " " << text;
+  }
+}
+
+// Each wish by itself would be served.
+TEST(ScanFeatures, WhatCannotBeDoneTogetherIsRefused) {
+  for (const auto& [one, other] : {std::pair("--smooth", "--descreen"), std::pair("--thicken-text", "--join-dots")}) {
+    for (const bool inOrder : {true, false}) {
+      const FeatureWish wishes[] = {{find(inOrder ? one : other), {}}, {find(inOrder ? other : one), {}}};
+      Settings settings{};
+      try {
+        setFeatures(wishes, ableCapability(), settings);
+        ADD_FAILURE() << one << " and " << other << " were accepted";
+      } catch (const CommandError& error) {
+        EXPECT_EQ(error.code(), ExitCode::kUsage);
+        EXPECT_NE(std::string(error.what()).find("exclude each other"), std::string::npos) << error.what();
+      }
+    }
+  }
+}
+
+TEST(ScanFeatures, WhatTheLibraryDropsOnLongPaperIsRefusedThere) {
+  const std::set<std::string> dropped = {"--deskew",    "--auto-rotate",  "--auto-tone",    "--sharpen",
+                                         "--despeckle", "--remove-lines", "--carrier-sheet"};
+  for (const Feature& feature : featureTable()) {
+    for (const PAPERTYPE paper : {PAPERTYPE_LONG, PAPERTYPE_LONG_NARROW, PAPERTYPE_CUSTOM}) {
+      SCOPED_TRACE(std::string(feature.option) + " on paper " + std::to_string(paper));
+      Settings settings{};
+      settings.colorType = COLORTYPE_COLOR24BIT;
+      settings.paperType = paper;
+      const FeatureWish wish{&feature, {}};
+      if (paper != PAPERTYPE_CUSTOM && dropped.contains(feature.option)) {
+        EXPECT_THROW(setFeatures({&wish, 1}, ableCapability(), settings), CommandError);
+      } else {
+        EXPECT_NO_THROW(setFeatures({&wish, 1}, ableCapability(), settings));
+      }
+    }
+  }
 }
 
 TEST(ScanFeatures, TheRefusalNamesTheModesThatServeIt) {

@@ -261,6 +261,32 @@ TEST(Settings, ThresholdBelongsToMonoAndLiesInTheDevicesRange) {
   expectRefused(wish, capability, ExitCode::kNotServed, "between 1 and 90");
 }
 
+// The library would drop the wish without a word.
+TEST(Settings, AnAutomaticThresholdDoesNotGoWithLongPaper) {
+  ScanWish wish = a4Wish();
+  wish.mode = COLORTYPE_BLACKANDWHITE;
+  wish.autoThreshold = true;
+  EXPECT_EQ(make(wish).autoThreshold, 1);
+  for (const char* paper : {"long", "long-narrow"}) {
+    wish.paper = *findPaper(paper);
+    expectRefused(wish, officeCapability(), ExitCode::kUsage, "long paper");
+  }
+  wish.paper = *findPaper("200xlong");
+  EXPECT_EQ(make(wish).autoThreshold, 1);
+}
+
+TEST(Settings, EdgesKnowThePaper) {
+  ScanWish wish;
+  wish.paperIsAuto = true;
+  wish.edges.cut = {1, 1, 1, 1};
+  Capability capability = officeCapability();
+  capability.edgeCut = 2;
+  expectRefused(wish, capability, ExitCode::kUsage, "--edge-cut needs a page size");
+  wish = a4Wish();
+  wish.edges.cut = {1, 1, 1, 1};
+  EXPECT_EQ(makeSettings(wish, capability, false).edgeCut.top, -100);
+}
+
 TEST(Settings, ToneIsPassedOnAndMonoHasNoContrast) {
   ScanWish wish = a4Wish();
   wish.brightness = -50;
