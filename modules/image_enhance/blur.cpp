@@ -27,18 +27,19 @@ std::vector<std::uint16_t> gaussWeights(double sigmaPx) {
 
 }  // namespace
 
-Blur::Blur(const Page& page, double sigmaPx)
+Blur::Blur(const Page& page, double sigmaMm)
     : page_(page),
-      weights_(gaussWeights(sigmaPx)),
-      ring_(2 * weights_.size() - 1, Line(page.lineBytes())),
-      padded_(page.lineBytes() + 2 * (weights_.size() - 1) * static_cast<std::size_t>(page.channels())),
+      sideways_(gaussWeights(sigmaMm / 25.4 * page.dpi(Along::Width))),
+      downwards_(gaussWeights(sigmaMm / 25.4 * page.dpi(Along::Height))),
+      ring_(2 * downwards_.size() - 1, Line(page.lineBytes())),
+      padded_(page.lineBytes() + 2 * (sideways_.size() - 1) * static_cast<std::size_t>(page.channels())),
       sums_(page.lineBytes()),
       line_(page.lineBytes()) {}
 
 void Blur::blurSideways(int y, Line& out) {
   const auto channels = static_cast<std::size_t>(page_.channels());
   const std::size_t lineBytes = page_.lineBytes();
-  const std::size_t reach = weights_.size() - 1;
+  const std::size_t reach = sideways_.size() - 1;
   const std::uint8_t* const line = page_.line(y);
   for (std::size_t i = 0; i < reach; ++i) {
     std::memcpy(&padded_[i * channels], line, channels);
@@ -47,11 +48,11 @@ void Blur::blurSideways(int y, Line& out) {
   std::memcpy(&padded_[reach * channels], line, lineBytes);
 
   const std::uint8_t* const center = &padded_[reach * channels];
-  for (std::size_t x = 0; x < lineBytes; ++x) out[x] = static_cast<std::uint16_t>(weights_[0] * center[x]);
+  for (std::size_t x = 0; x < lineBytes; ++x) out[x] = static_cast<std::uint16_t>(sideways_[0] * center[x]);
   for (std::size_t i = 1; i <= reach; ++i) {
     const std::uint8_t* const before = center - i * channels;
     const std::uint8_t* const after = center + i * channels;
-    const unsigned weight = weights_[i];
+    const unsigned weight = sideways_[i];
     for (std::size_t x = 0; x < lineBytes; ++x) {
       out[x] = static_cast<std::uint16_t>(out[x] + weight * (before[x] + unsigned{after[x]}));
     }
@@ -59,7 +60,7 @@ void Blur::blurSideways(int y, Line& out) {
 }
 
 const std::uint8_t* Blur::nextLine() {
-  const int reach = static_cast<int>(weights_.size()) - 1;
+  const int reach = static_cast<int>(downwards_.size()) - 1;
   const int size = static_cast<int>(ring_.size());
   // The line beyond the last one is the last one again, and so is the one before the first.
   while (read_ <= std::min(next_ + reach, page_.heightPx - 1)) {
@@ -71,11 +72,11 @@ const std::uint8_t* Blur::nextLine() {
   };
   const std::size_t lineBytes = page_.lineBytes();
   const Line& center = lineAt(next_);
-  for (std::size_t x = 0; x < lineBytes; ++x) sums_[x] = (1u << 15) + unsigned{weights_[0]} * center[x];
+  for (std::size_t x = 0; x < lineBytes; ++x) sums_[x] = (1u << 15) + unsigned{downwards_[0]} * center[x];
   for (int i = 1; i <= reach; ++i) {
     const Line& before = lineAt(next_ - i);
     const Line& after = lineAt(next_ + i);
-    const unsigned weight = weights_[static_cast<std::size_t>(i)];
+    const unsigned weight = downwards_[static_cast<std::size_t>(i)];
     for (std::size_t x = 0; x < lineBytes; ++x) sums_[x] += weight * (before[x] + unsigned{after[x]});
   }
   for (std::size_t x = 0; x < lineBytes; ++x) line_[x] = static_cast<std::uint8_t>(sums_[x] >> 16);

@@ -1,6 +1,8 @@
 // Colour drop: ink of one hue, or of any, vanishes; black, grey and the paper stay.
 #include <array>
 #include <cstdlib>
+#include <numeric>
+#include <tuple>
 
 #include "histogram.h"
 #include "steps.h"
@@ -21,10 +23,10 @@ Hue hueOf(int blue, int green, int red) {
   const int brightest = std::max({blue, green, red});
   const int chroma = brightest - std::min({blue, green, red});
   if (chroma == 0) return {brightest, 0, 0};
-  const int sector = brightest == red     ? 60 * (green - blue) / chroma
-                     : brightest == green ? 120 + 60 * (blue - red) / chroma
-                                          : 240 + 60 * (red - green) / chroma;
-  return {brightest, chroma, sector < 0 ? sector + 360 : sector};
+  const int degrees = brightest == red     ? 60 * (green - blue) / chroma
+                      : brightest == green ? 120 + 60 * (blue - red) / chroma
+                                           : 240 + 60 * (red - green) / chroma;
+  return {brightest, chroma, degrees < 0 ? degrees + 360 : degrees};
 }
 
 int distance(int degreesA, int degreesB) {
@@ -47,12 +49,17 @@ class InkLevels {
   void count(const Hue& hue) { ++counts_[sectorOf(hue)][static_cast<std::size_t>(hue.brightest)]; }
   void finish() {
     constexpr std::uint32_t kLeastPixels = 100;  // fewer are stray fringes
-    for (std::size_t sector = 0; sector < counts_.size(); ++sector) {
-      std::uint32_t total = 0;
-      for (const std::uint32_t count : counts_[sector]) total += count;
+    constexpr std::size_t kSectors = std::tuple_size_v<decltype(counts_)>;
+    for (std::size_t sector = 0; sector < kSectors; ++sector) {
+      // With both neighbours: an ink whose hue lies where two sectors meet is one ink.
+      Histogram around = counts_[sector];
+      for (const std::size_t other : {(sector + 1) % kSectors, (sector + kSectors - 1) % kSectors}) {
+        for (std::size_t i = 0; i < around.size(); ++i) around[i] += counts_[other][i];
+      }
+      const std::uint32_t total = std::accumulate(around.begin(), around.end(), 0u);
       std::uint32_t below = 0;
       int level = 0;
-      while (level < 255 && (below += counts_[sector][static_cast<std::size_t>(level)]) < total / 10) ++level;
+      while (level < 255 && (below += around[static_cast<std::size_t>(level)]) < total / 10) ++level;
       levels_[sector] = total < kLeastPixels ? 255 : std::max(level, 1);
     }
   }
@@ -70,7 +77,7 @@ void mix(std::uint8_t* bgr, const Color& paper, int brightness, int share) {
   for (int i = 0; i < 3; ++i) bgr[i] = static_cast<std::uint8_t>(bgr[i] + (towards[i] - bgr[i]) * share / 256);
 }
 
-// Calls visit(pixel, hue) for every pixel that is coloured and of a hue to drop.
+// Calls visit(pixel, hue, share) for every pixel of which a share, of 256, is ink of a hue to drop.
 template <class Visit>
 void forEachDropped(Page& page, const orvalle_scan_api::IE_COLORDROP& drop, Visit visit) {
   const int wanted = hueOf(drop.blue, drop.green, drop.red).degrees;
@@ -80,21 +87,20 @@ void forEachDropped(Page& page, const orvalle_scan_api::IE_COLORDROP& drop, Visi
     for (int x = 0; x < page.widthPx; ++x, at += 3) {
       if (std::max({at[0], at[1], at[2]}) - std::min({at[0], at[1], at[2]}) < kLeastChroma) continue;
       const Hue hue = hueOf(at[0], at[1], at[2]);
-      if (distance(hue.degrees, wanted) <= range) visit(at, hue);
+      if (distance(hue.degrees, wanted) > range) continue;
+      if (const int share = inkShare(hue); share > 0) visit(at, hue, share);
     }
   }
 }
 
 bool dropHue(Page& page, const orvalle_scan_api::IE_COLORDROP& drop, const Color& paper) {
   InkLevels levels;
-  forEachDropped(page, drop, [&](std::uint8_t*, const Hue& hue) {
-    if (inkShare(hue) == 256) levels.count(hue);
+  forEachDropped(page, drop, [&](std::uint8_t*, const Hue& hue, int share) {
+    if (share == 256) levels.count(hue);
   });
   levels.finish();
   bool hasChanged = false;
-  forEachDropped(page, drop, [&](std::uint8_t* pixel, const Hue& hue) {
-    const int share = inkShare(hue);
-    if (share == 0) return;
+  forEachDropped(page, drop, [&](std::uint8_t* pixel, const Hue& hue, int share) {
     mix(pixel, paper, std::min(256, 256 * hue.brightest / levels.of(hue)), share);
     hasChanged = true;
   });

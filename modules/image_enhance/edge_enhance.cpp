@@ -5,13 +5,14 @@
 namespace image_enhance {
 namespace {
 
-constexpr int kGrain = 3;  // differences up to this many levels are paper, not edges
+constexpr double kSigmaMm = 0.1016;  // 1.2 pixels at 300 dpi
+constexpr int kGrain = 3;            // differences up to this many levels are paper, not edges
 
 }  // namespace
 
 bool enhanceEdges(Page& page, const Request& request) {
   const int halves = std::clamp(request.param.edgeEnhanceLevel, 1, 5);  // of the difference
-  Blur blurred(page, 1.2 * page.dpi() / 300);
+  Blur blurred(page, kSigmaMm);
   for (int y = 0; y < page.heightPx; ++y) {
     const std::uint8_t* const soft = blurred.nextLine();
     std::uint8_t* const line = page.line(y);

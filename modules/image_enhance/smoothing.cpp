@@ -11,8 +11,8 @@
 namespace image_enhance {
 namespace {
 
-void blur(Page& page, double sigmaPx) {
-  Blur blurred(page, sigmaPx);
+void blur(Page& page, double sigmaMm) {
+  Blur blurred(page, sigmaMm);
   for (int y = 0; y < page.heightPx; ++y) std::memcpy(page.line(y), blurred.nextLine(), page.lineBytes());
 }
 
@@ -67,7 +67,7 @@ void averageAlike(Page& page, int tolerance) {
 bool smooth(Page& page, const Request& request) {
   const double level = std::clamp(request.param.smoothingLevel, -50, 50) / 50.0;
   if (request.param.smoothingMode == 0) {
-    blur(page, std::exp2(1.25 * level) * page.dpi() / 300);
+    blur(page, std::exp2(1.25 * level) * 25.4 / 300);
   } else {
     averageAlike(page, static_cast<int>(24 * std::exp2(1.5 * level)));
   }
