@@ -39,11 +39,6 @@ LineSize sizeOf(const orvalle_scan_api::IE_LINEREMOVAL& line, std::int32_t gap, 
           gap > 0 ? pxOf(gap, 0, page, along, 100) : 0};
 }
 
-PixPtr open(const PixPtr& pix, bool isVertical, int along, int across) {
-  return owned(isVertical ? pixOpenBrick(nullptr, pix.get(), across, along)
-                          : pixOpenBrick(nullptr, pix.get(), along, across));
-}
-
 // Pixels of long, possibly slightly slanting lines, things as thick as text strokes included.
 PixPtr longRuns(const PixPtr& ink, bool isVertical, const LineSize& size) {
   PixPtr pix = owned(isVertical ? pixDilateBrick(nullptr, ink.get(), 3, 1) : pixDilateBrick(nullptr, ink.get(), 1, 3));
@@ -51,8 +46,10 @@ PixPtr longRuns(const PixPtr& ink, bool isVertical, const LineSize& size) {
     pix = owned(isVertical ? pixCloseSafeBrick(nullptr, pix.get(), 1, size.gapPx + 1)
                            : pixCloseSafeBrick(nullptr, pix.get(), size.gapPx + 1, 1));
   }
-  // A third of the length follows a slant by steps; the pieces together have to be long enough.
-  pix = open(pix, isVertical, std::clamp(size.lengthPx / 3, 3, kLongestPiecePx), 1);
+  // About a third of the length follows a slant by steps; the pieces together have to be long enough.
+  const int piece = std::clamp(size.lengthPx / 3, 3, kLongestPiecePx);
+  pix = owned(isVertical ? pixOpenCompBrick(nullptr, pix.get(), 1, piece)
+                         : pixOpenCompBrick(nullptr, pix.get(), piece, 1));
   pix = owned(pixSelectBySize(pix.get(), size.lengthPx, size.lengthPx, 8, isVertical ? L_SELECT_HEIGHT : L_SELECT_WIDTH,
                               L_SELECT_IF_GTE, nullptr));
   return owned(pixAnd(nullptr, pix.get(), ink.get()));
@@ -99,7 +96,9 @@ bool removeLines(Page& page, const Request& request) {
     const LineSize size = sizeOf(line, param.lineRemovalThird, page, isVertical);
     const PixPtr runs = longRuns(ink, isVertical, size);
     pixSubtract(runs.get(), runs.get(), dark.get());
-    const PixPtr across = open(ink, !isVertical, size.thicknessPx + 1, 1);
+    const int crossing = size.thicknessPx + 1;
+    const PixPtr across = owned(isVertical ? pixOpenBrick(nullptr, ink.get(), crossing, 1)
+                                           : pixOpenBrick(nullptr, ink.get(), 1, crossing));
     PixPtr thin = owned(pixSubtract(nullptr, runs.get(), across.get()));
     if (!page.isMono()) {
       // The rim that is too pale to count, but nothing of what crosses.
