@@ -2,6 +2,7 @@
 // that changes is copied once in and once out: `colour_copied`, which whitens one line of pixels, is the floor.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "modules/ImageEnhance.h"
@@ -19,7 +20,9 @@ using Ask = void (*)(_IE_PARAM&);
 
 void enhance(benchmark::State& state, int bits, int wantedBits, Ask ask) {
   Bytes pixels = bits == 24 ? drawRgb() : bits == 8 ? drawGray() : drawMono();
-  Bytes bmp = fakes::makeBmp(kWidthPx, kHeightPx, bits, fakes::upsideDown(pixels, fakes::lineBytesOf(kWidthPx, bits)));
+  const std::size_t lineBytes = fakes::lineBytesOf(kWidthPx, bits);
+  std::fill_n(pixels.begin() + static_cast<std::ptrdiff_t>(100 * lineBytes), 4 * lineBytes, 0);  // a ruled line
+  Bytes bmp = fakes::makeBmp(kWidthPx, kHeightPx, bits, fakes::upsideDown(pixels, lineBytes));
   PAGE_STORE_VIEW store{};
   store.data = bmp.data();
   store.dataSize = store.blockSize = static_cast<std::uint32_t>(bmp.size());

@@ -25,20 +25,38 @@ std::vector<std::uint16_t> gaussWeights(double sigmaPx) {
   return weights;
 }
 
+// What is written lies apart from what is read, so that many values are worked on at a time.
+template <class From, class Sum>
+void weigh(const From* __restrict from, unsigned weight, Sum* __restrict sums, std::size_t count) {
+  for (std::size_t x = 0; x < count; ++x) sums[x] = static_cast<Sum>(weight * from[x]);
+}
+
+template <class From, class Sum>
+void addWeighted(const From* before, const From* after, unsigned weight, Sum* __restrict sums, std::size_t count) {
+  for (std::size_t x = 0; x < count; ++x) {
+    sums[x] = static_cast<Sum>(sums[x] + weight * (before[x] + unsigned{after[x]}));
+  }
+}
+
+void roundOff(const std::uint32_t* __restrict sums, std::uint8_t* __restrict out, std::size_t count) {
+  for (std::size_t x = 0; x < count; ++x) out[x] = static_cast<std::uint8_t>((sums[x] + (1u << 15)) >> 16);
+}
+
 }  // namespace
 
-Blur::Blur(const Page& page, double sigmaPx)
+Blur::Blur(const Page& page, double sigmaMm)
     : page_(page),
-      weights_(gaussWeights(sigmaPx)),
-      ring_(2 * weights_.size() - 1, Line(page.lineBytes())),
-      padded_(page.lineBytes() + 2 * (weights_.size() - 1) * static_cast<std::size_t>(page.channels())),
+      sideways_(gaussWeights(sigmaMm / 25.4 * page.dpi(Along::Width))),
+      downwards_(gaussWeights(sigmaMm / 25.4 * page.dpi(Along::Height))),
+      ring_(2 * downwards_.size() - 1, Line(page.lineBytes())),
+      padded_(page.lineBytes() + 2 * (sideways_.size() - 1) * static_cast<std::size_t>(page.channels())),
       sums_(page.lineBytes()),
       line_(page.lineBytes()) {}
 
 void Blur::blurSideways(int y, Line& out) {
   const auto channels = static_cast<std::size_t>(page_.channels());
   const std::size_t lineBytes = page_.lineBytes();
-  const std::size_t reach = weights_.size() - 1;
+  const std::size_t reach = sideways_.size() - 1;
   const std::uint8_t* const line = page_.line(y);
   for (std::size_t i = 0; i < reach; ++i) {
     std::memcpy(&padded_[i * channels], line, channels);
@@ -47,19 +65,14 @@ void Blur::blurSideways(int y, Line& out) {
   std::memcpy(&padded_[reach * channels], line, lineBytes);
 
   const std::uint8_t* const center = &padded_[reach * channels];
-  for (std::size_t x = 0; x < lineBytes; ++x) out[x] = static_cast<std::uint16_t>(weights_[0] * center[x]);
+  weigh(center, sideways_[0], out.data(), lineBytes);
   for (std::size_t i = 1; i <= reach; ++i) {
-    const std::uint8_t* const before = center - i * channels;
-    const std::uint8_t* const after = center + i * channels;
-    const unsigned weight = weights_[i];
-    for (std::size_t x = 0; x < lineBytes; ++x) {
-      out[x] = static_cast<std::uint16_t>(out[x] + weight * (before[x] + unsigned{after[x]}));
-    }
+    addWeighted(center - i * channels, center + i * channels, sideways_[i], out.data(), lineBytes);
   }
 }
 
 const std::uint8_t* Blur::nextLine() {
-  const int reach = static_cast<int>(weights_.size()) - 1;
+  const int reach = static_cast<int>(downwards_.size()) - 1;
   const int size = static_cast<int>(ring_.size());
   // The line beyond the last one is the last one again, and so is the one before the first.
   while (read_ <= std::min(next_ + reach, page_.heightPx - 1)) {
@@ -70,15 +83,12 @@ const std::uint8_t* Blur::nextLine() {
     return ring_[static_cast<std::size_t>(std::clamp(y, 0, page_.heightPx - 1) % size)];
   };
   const std::size_t lineBytes = page_.lineBytes();
-  const Line& center = lineAt(next_);
-  for (std::size_t x = 0; x < lineBytes; ++x) sums_[x] = (1u << 15) + unsigned{weights_[0]} * center[x];
+  weigh(lineAt(next_).data(), downwards_[0], sums_.data(), lineBytes);
   for (int i = 1; i <= reach; ++i) {
-    const Line& before = lineAt(next_ - i);
-    const Line& after = lineAt(next_ + i);
-    const unsigned weight = weights_[static_cast<std::size_t>(i)];
-    for (std::size_t x = 0; x < lineBytes; ++x) sums_[x] += weight * (before[x] + unsigned{after[x]});
+    addWeighted(lineAt(next_ - i).data(), lineAt(next_ + i).data(), downwards_[static_cast<std::size_t>(i)],
+                sums_.data(), lineBytes);
   }
-  for (std::size_t x = 0; x < lineBytes; ++x) line_[x] = static_cast<std::uint8_t>(sums_[x] >> 16);
+  roundOff(sums_.data(), line_.data(), lineBytes);
   ++next_;
   return line_.data();
 }

@@ -1,6 +1,8 @@
 // Colour drop: ink of one hue, or of any, vanishes; black, grey and the paper stay.
 #include <array>
 #include <cstdlib>
+#include <numeric>
+#include <tuple>
 
 #include "histogram.h"
 #include "steps.h"
@@ -8,23 +10,33 @@
 namespace image_enhance {
 namespace {
 
-constexpr int kLeastChroma = 10;  // less is a grey, whatever its hue
+constexpr int kLeastChroma = 10;   // less is a grey, whatever its hue
+constexpr int kMeasuredLines = 2;  // every second line tells how bright the inks are
 
 // How coloured a pixel is, and in which direction, from its strongest and weakest channel.
 struct Hue {
   int brightest;
-  int chroma;   // 0: none, and then degrees means nothing
+  int chroma;
   int degrees;  // 0 red, 120 green, 240 blue
 };
 
-Hue hueOf(int blue, int green, int red) {
-  const int brightest = std::max({blue, green, red});
-  const int chroma = brightest - std::min({blue, green, red});
-  if (chroma == 0) return {brightest, 0, 0};
-  const int sector = brightest == red     ? 60 * (green - blue) / chroma
-                     : brightest == green ? 120 + 60 * (blue - red) / chroma
-                                          : 240 + 60 * (red - green) / chroma;
-  return {brightest, chroma, sector < 0 ? sector + 360 : sector};
+// 2^24 / n and a little more: the quotients of numbers up to 60 * 255 by n come out as those of a division.
+constexpr auto kReciprocals = [] {
+  std::array<int, 256> reciprocals{};
+  for (int n = 1; n < 256; ++n) reciprocals[static_cast<std::size_t>(n)] = (1 << 24) / n + 1;
+  return reciprocals;
+}();
+
+// bgr: not of three equal channels.
+Hue hueOf(const std::uint8_t* bgr, int brightest, int chroma) {
+  const int blue = bgr[0];
+  const int green = bgr[1];
+  const int red = bgr[2];
+  const int middle = brightest == red ? 0 : brightest == green ? 120 : 240;
+  const int lean = brightest == red ? green - blue : brightest == green ? blue - red : red - green;
+  const int off = 60 * std::abs(lean) * kReciprocals[static_cast<std::size_t>(chroma)] >> 24;
+  const int degrees = lean < 0 ? middle - off : middle + off;
+  return {brightest, chroma, degrees < 0 ? degrees + 360 : degrees};
 }
 
 int distance(int degreesA, int degreesB) {
@@ -32,11 +44,14 @@ int distance(int degreesA, int degreesB) {
   return std::min(apart, 360 - apart);
 }
 
-// How much of a pixel is coloured ink, 0 to 256. Pale pixels count from little chroma on, so that no rim stays; dark
-// ones need much, so that black text survives under a stamp.
+// The chroma up to which a pixel of this brightness is no ink. Pale pixels count from little chroma on, so that no rim
+// stays; dark ones need much, so that black text survives under a stamp.
+constexpr int leastChromaOf(int brightest) { return 40 - 30 * (brightest - 40) / 215; }
+static_assert(leastChromaOf(255) == kLeastChroma);
+
+// How much of a pixel is coloured ink, 1 to 256, when it is any at all.
 int inkShare(const Hue& hue) {
-  const int least = 40 - 30 * (hue.brightest - 40) / 215;
-  if (hue.chroma <= least) return 0;
+  const int least = leastChromaOf(hue.brightest);
   return hue.chroma >= 2 * least ? 256 : 256 * (hue.chroma - least) / least;
 }
 
@@ -46,13 +61,18 @@ class InkLevels {
  public:
   void count(const Hue& hue) { ++counts_[sectorOf(hue)][static_cast<std::size_t>(hue.brightest)]; }
   void finish() {
-    constexpr std::uint32_t kLeastPixels = 100;  // fewer are stray fringes
-    for (std::size_t sector = 0; sector < counts_.size(); ++sector) {
-      std::uint32_t total = 0;
-      for (const std::uint32_t count : counts_[sector]) total += count;
+    constexpr std::uint32_t kLeastPixels = 100 / kMeasuredLines;  // fewer are stray fringes
+    constexpr std::size_t kSectors = std::tuple_size_v<decltype(counts_)>;
+    for (std::size_t sector = 0; sector < kSectors; ++sector) {
+      // With both neighbours: an ink whose hue lies where two sectors meet is one ink.
+      Histogram around = counts_[sector];
+      for (const std::size_t other : {(sector + 1) % kSectors, (sector + kSectors - 1) % kSectors}) {
+        for (std::size_t i = 0; i < around.size(); ++i) around[i] += counts_[other][i];
+      }
+      const std::uint32_t total = std::accumulate(around.begin(), around.end(), 0u);
       std::uint32_t below = 0;
       int level = 0;
-      while (level < 255 && (below += counts_[sector][static_cast<std::size_t>(level)]) < total / 10) ++level;
+      while (level < 255 && (below += around[static_cast<std::size_t>(level)]) < total / 10) ++level;
       levels_[sector] = total < kLeastPixels ? 255 : std::max(level, 1);
     }
   }
@@ -70,32 +90,55 @@ void mix(std::uint8_t* bgr, const Color& paper, int brightness, int share) {
   for (int i = 0; i < 3; ++i) bgr[i] = static_cast<std::uint8_t>(bgr[i] + (towards[i] - bgr[i]) * share / 256);
 }
 
-// Calls visit(pixel, hue) for every pixel that is coloured and of a hue to drop.
+// What the record wants dropped, of the colours that have a hue.
+struct Wanted {
+  int degrees;
+  int range;
+};
+
+constexpr int kStretchPx = 16;
+
+// Whether no pixel of a stretch can be coloured, since all its values are alike: most paper is told apart so at little
+// cost.
+bool isPlain(const std::uint8_t* bgr) {
+  std::uint8_t least = 255;
+  std::uint8_t most = 0;
+  for (int i = 0; i < 3 * kStretchPx; ++i) {
+    least = std::min(least, bgr[i]);
+    most = std::max(most, bgr[i]);
+  }
+  return most - least <= kLeastChroma;
+}
+
+// Calls visit(pixel, hue) for every pixel, of each so manieth line, that is ink of a hue to drop.
 template <class Visit>
-void forEachDropped(Page& page, const orvalle_scan_api::IE_COLORDROP& drop, Visit visit) {
-  const int wanted = hueOf(drop.blue, drop.green, drop.red).degrees;
-  const int range = drop.isChromatic != 0 ? 180 : std::clamp(drop.range, 0, 180);
-  for (int y = 0; y < page.heightPx; ++y) {
+void forEachDropped(Page& page, const Wanted& wanted, int lineStep, Visit visit) {
+  for (int y = 0; y < page.heightPx; y += lineStep) {
     std::uint8_t* at = page.line(y);
     for (int x = 0; x < page.widthPx; ++x, at += 3) {
-      if (std::max({at[0], at[1], at[2]}) - std::min({at[0], at[1], at[2]}) < kLeastChroma) continue;
-      const Hue hue = hueOf(at[0], at[1], at[2]);
-      if (distance(hue.degrees, wanted) <= range) visit(at, hue);
+      if (x % kStretchPx == 0 && x + kStretchPx <= page.widthPx && isPlain(at)) {
+        x += kStretchPx - 1;
+        at += 3 * (kStretchPx - 1);
+        continue;
+      }
+      const int brightest = std::max(std::max(at[0], at[1]), at[2]);
+      const int chroma = brightest - std::min(std::min(at[0], at[1]), at[2]);
+      if (chroma <= leastChromaOf(brightest)) continue;
+      const Hue hue = hueOf(at, brightest, chroma);
+      if (distance(hue.degrees, wanted.degrees) <= wanted.range) visit(at, hue);
     }
   }
 }
 
-bool dropHue(Page& page, const orvalle_scan_api::IE_COLORDROP& drop, const Color& paper) {
+bool dropHue(Page& page, const Wanted& wanted, const Color& paper) {
   InkLevels levels;
-  forEachDropped(page, drop, [&](std::uint8_t*, const Hue& hue) {
+  forEachDropped(page, wanted, kMeasuredLines, [&](std::uint8_t*, const Hue& hue) {
     if (inkShare(hue) == 256) levels.count(hue);
   });
   levels.finish();
   bool hasChanged = false;
-  forEachDropped(page, drop, [&](std::uint8_t* pixel, const Hue& hue) {
-    const int share = inkShare(hue);
-    if (share == 0) return;
-    mix(pixel, paper, std::min(256, 256 * hue.brightest / levels.of(hue)), share);
+  forEachDropped(page, wanted, 1, [&](std::uint8_t* pixel, const Hue& hue) {
+    mix(pixel, paper, std::min(256, 256 * hue.brightest / levels.of(hue)), inkShare(hue));
     hasChanged = true;
   });
   return hasChanged;
@@ -125,8 +168,12 @@ bool dropGray(Page& page, const orvalle_scan_api::IE_COLORDROP& drop, const Colo
 bool dropColor(Page& page, const Request& request) {
   const orvalle_scan_api::IE_COLORDROP& drop = request.param.colorDrop;
   const Color paper = drop.flag != 0 ? paperColor(page) : Color{};
-  const bool isGray = drop.isChromatic == 0 && hueOf(drop.blue, drop.green, drop.red).chroma < kLeastChroma;
-  return isGray ? dropGray(page, drop, paper) : dropHue(page, drop, paper);
+  const std::uint8_t bgr[3] = {drop.blue, drop.green, drop.red};
+  const int brightest = std::max({bgr[0], bgr[1], bgr[2]});
+  const int chroma = brightest - std::min({bgr[0], bgr[1], bgr[2]});
+  if (drop.isChromatic != 0) return dropHue(page, {0, 180}, paper);
+  if (chroma < kLeastChroma) return dropGray(page, drop, paper);
+  return dropHue(page, {hueOf(bgr, brightest, chroma).degrees, std::clamp(drop.range, 0, 180)}, paper);
 }
 
 }  // namespace image_enhance

@@ -13,7 +13,7 @@ using orvalle_scan_api::IE_PUNCHHOLE;
 constexpr double kLargestMm = 10;
 constexpr double kRimMm = 0.5;         // the shadow around a hole
 constexpr int kLevelsBelowPaper = 64;  // a hole without a tape behind it is at least so much darker
-constexpr double kRoundShare = 0.785;  // of its box that a disc fills
+constexpr double kMostUneven = 0.08;   // of its box in which a hole may differ from a disc
 
 struct Zone {
   int left, top, right, bottom;
@@ -22,8 +22,9 @@ struct Zone {
 // Where holes are looked for: the record's margins are millimetres, in the order left, top, right, bottom. A hole
 // counts when its middle lies within one of them.
 Zone insideOf(const Page& page, const IE_PUNCHHOLE& hole) {
-  const auto px = [&](int i) { return page.pxOfMm(std::clamp(hole.margin[i], 0, 10000)); };
-  return {px(0), px(1), page.widthPx - px(2), page.heightPx - px(3)};
+  const auto px = [&](int i, Along along) { return page.pxOfMm(std::clamp(hole.margin[i], 0, 10000), along); };
+  return {px(0, Along::Width), px(1, Along::Height), page.widthPx - px(2, Along::Width),
+          page.heightPx - px(3, Along::Height)};
 }
 
 int levelAt(const Page& page, int x, int y) {
@@ -42,13 +43,13 @@ PixPtr spots(const Page& page, const IE_PUNCHHOLE& hole) {
 }
 
 // Whether the inner part of a spot is of one shade, so that a round picture is not taken for a hole.
-bool isEven(const Page& page, int x, int y, int width, int height, int step) {
+bool isEven(const Page& page, const Box& box, int step) {
   if (page.isMono()) return true;
   std::int64_t sum = 0;
   std::int64_t count = 0;
   const auto forEach = [&](auto visit) {
-    for (int atY = y + height / 4; atY < y + height - height / 4; ++atY) {
-      for (int atX = x + width / 4; atX < x + width - width / 4; ++atX) visit(levelAt(page, atX, atY));
+    for (int y = box.y + box.h / 4; y < box.y + box.h - box.h / 4; ++y) {
+      for (int x = box.x + box.w / 4; x < box.x + box.w - box.w / 4; ++x) visit(levelAt(page, x, y));
     }
   };
   forEach([&](int level) { sum += level, ++count; });
@@ -59,46 +60,48 @@ bool isEven(const Page& page, int x, int y, int width, int height, int step) {
   return deviations <= count * std::int64_t{std::max(step, 1)};
 }
 
-bool isRound(const Pix& spot, int width, int height) {
-  if (std::abs(width - height) * 5 > std::max(width, height)) return false;
-  l_int32 area = 0;
-  pixCountPixels(const_cast<Pix*>(&spot), &area, nullptr);
-  return std::abs(static_cast<double>(area) / (width * height) - kRoundShare) < 0.07;
+// Whether a spot is the disc that its box tells, and not a letter of the same size.
+bool isRound(const Pix& spot, const Box& box, const Page& page) {
+  const double widthMm = static_cast<double>(box.w) / page.dpi(Along::Width);
+  const double heightMm = static_cast<double>(box.h) / page.dpi(Along::Height);
+  if (std::abs(widthMm - heightMm) * 5 > std::max(widthMm, heightMm)) return false;
+  int different = 0;
+  for (int y = 0; y < box.h; ++y) {
+    const BitLine line(spot, y);
+    const double v = (2 * y + 1.0) / box.h - 1;
+    for (int x = 0; x < box.w; ++x) {
+      const double u = (2 * x + 1.0) / box.w - 1;
+      different += line[x] != (u * u + v * v <= 1) ? 1 : 0;
+    }
+  }
+  return different < kMostUneven * box.w * box.h;
 }
-
-struct PixaDeleter {
-  void operator()(Pixa* pixa) const { pixaDestroy(&pixa); }
-};
 
 }  // namespace
 
 bool removePunchHoles(Page& page, const Request& request) {
   const IE_PUNCHHOLE& hole = request.param.punchHole;
   const Zone inside = insideOf(page, hole);
-  const int smallest = std::max(4, page.pxOfMm(std::clamp(hole.areaLimit, 1, 9)));
-  const int largest = page.pxOfMm(kLargestMm);
-  const PixPtr large = owned(
-      pixSelectBySize(spots(page, hole).get(), smallest, smallest, 8, L_SELECT_IF_BOTH, L_SELECT_IF_GTE, nullptr));
-  Pixa* shapes = nullptr;
-  const BoxaPtr boxes = owned(pixConnComp(large.get(), &shapes, 8));
-  const std::unique_ptr<Pixa, PixaDeleter> owner(shapes);
+  const int leastMm = std::clamp(hole.areaLimit, 1, 9);
+  const PixPtr large = owned(pixSelectBySize(spots(page, hole).get(), std::max(4, page.pxOfMm(leastMm, Along::Width)),
+                                             std::max(4, page.pxOfMm(leastMm, Along::Height)), 8, L_SELECT_IF_BOTH,
+                                             L_SELECT_IF_GTE, nullptr));
+  const int widest = page.pxOfMm(kLargestMm, Along::Width);
+  const int highest = page.pxOfMm(kLargestMm, Along::Height);
   const PixPtr mask = owned(pixCreate(page.widthPx, page.heightPx, 1));
-  for (int i = 0; i < boxaGetCount(boxes.get()); ++i) {
-    l_int32 x = 0, y = 0, width = 0, height = 0;
-    boxaGetBoxGeometry(boxes.get(), i, &x, &y, &width, &height);
-    if (width > largest || height > largest) continue;
-    const int middleX = x + width / 2;
-    const int middleY = y + height / 2;
-    if (middleX >= inside.left && middleX < inside.right && middleY >= inside.top && middleY < inside.bottom) continue;
-    const PixPtr shape = owned(pixaGetPix(shapes, i, L_CLONE));
-    if (!isRound(*shape, width, height) || !isEven(page, x, y, width, height, hole.step)) continue;
-    pixRasterop(mask.get(), x, y, width, height, PIX_PAINT, shape.get(), 0, 0);
-  }
-  const int rim = 2 * page.pxOfMm(kRimMm) + 1;
-  const PixPtr wide = owned(pixDilateBrick(nullptr, mask.get(), rim, rim));
+  forEachPiece(*large, [&](Pix& piece, const Box& box) {
+    if (box.w > widest || box.h > highest) return;
+    const int middleX = box.x + box.w / 2;
+    const int middleY = box.y + box.h / 2;
+    if (middleX >= inside.left && middleX < inside.right && middleY >= inside.top && middleY < inside.bottom) return;
+    if (!isRound(piece, box, page) || !isEven(page, box, hole.step)) return;
+    pixRasterop(mask.get(), box.x, box.y, box.w, box.h, PIX_PAINT, &piece, 0, 0);
+  });
+  const PixPtr wide = owned(pixDilateBrick(nullptr, mask.get(), 2 * page.pxOfMm(kRimMm, Along::Width) + 1,
+                                           2 * page.pxOfMm(kRimMm, Along::Height) + 1));
   if (hole.fillMode == 0) return paintFlat(page, *wide, {});
   if (hole.fillMode == 2) return paintFlat(page, *wide, paperColor(page));
-  return paintFromAround(page, *wide, 2 * largest);
+  return paintFromAround(page, *wide, 2 * std::max(widest, highest));
 }
 
 }  // namespace image_enhance

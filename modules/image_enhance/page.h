@@ -14,6 +14,8 @@ namespace image_enhance {
 inline constexpr std::size_t kMaxPageBytes = std::size_t{1} << 30;
 inline constexpr int kMaxSidePx = 1 << 20;
 
+enum class Along { Width, Height };
+
 struct PageForm {
   int widthPx = 0;
   int heightPx = 0;
@@ -31,14 +33,15 @@ struct PageForm {
   }
   std::size_t pixelBytes() const { return lineBytes() * static_cast<std::size_t>(heightPx); }
 
-  // The finer of the two resolutions, for lengths on the paper: 300 where it is not told, and within what scanners
-  // have.
-  int dpi() const {
-    const int told = std::max(dpiX, dpiY);
+  // The resolution in one direction, for lengths on the paper: that of the other one where it is not told, 300 where
+  // neither is, and within what scanners have.
+  int dpi(Along along) const {
+    const int own = along == Along::Width ? dpiX : dpiY;
+    const int told = own > 0 ? own : std::max(dpiX, dpiY);
     return told <= 0 ? 300 : std::clamp(told, 50, 4800);
   }
   // A length on the paper in pixels, to the nearest.
-  int pxOfMm(double mm) const { return static_cast<int>(std::lround(mm * dpi() / 25.4)); }
+  int pxOfMm(double mm, Along along) const { return static_cast<int>(std::lround(mm * dpi(along) / 25.4)); }
 };
 
 struct Page : PageForm {
@@ -58,7 +61,10 @@ inline std::uint8_t luma(const std::uint8_t* bgr) {
   return static_cast<std::uint8_t>((117u * bgr[0] + 601u * bgr[1] + 306u * bgr[2]) >> 10);
 }
 
-// The brightness of a grey or colour page as a page of its own.
+// The brightness of one line, a byte for each pixel.
+void brightnessOfLine(const Page& page, int y, std::uint8_t* out);
+
+// The brightness of a page as a page of its own; a mono page has black and white.
 Page grayOf(const Page& page);
 
 }  // namespace image_enhance

@@ -12,15 +12,6 @@ l_uint32* words(const Pix& pix, int y) {
   return pixGetData(mutablePix(pix)) + static_cast<std::ptrdiff_t>(y) * pixGetWpl(mutablePix(pix));
 }
 
-void brightnessOfLine(const Page& page, int y, std::uint8_t* out) {
-  const std::uint8_t* from = page.line(y);
-  if (!page.isColor()) {
-    std::memcpy(out, from, page.lineBytes());
-    return;
-  }
-  for (int x = 0; x < page.widthPx; ++x) out[x] = luma(from + 3 * static_cast<std::ptrdiff_t>(x));
-}
-
 // Leptonica keeps pixels in words whose first pixel is the highest byte.
 l_uint32 wordOf(const std::uint8_t* bytes) {
   return static_cast<l_uint32>(bytes[0]) << 24 | static_cast<l_uint32>(bytes[1]) << 16 |

@@ -7,6 +7,7 @@
 
 #include <exception>
 #include <memory>
+#include <utility>
 
 #include "page.h"
 
@@ -28,6 +29,11 @@ struct BoxaDeleter {
 };
 using BoxaPtr = std::unique_ptr<Boxa, BoxaDeleter>;
 
+struct PixaDeleter {
+  void operator()(Pixa* pixa) const { pixaDestroy(&pixa); }
+};
+using PixaPtr = std::unique_ptr<Pixa, PixaDeleter>;
+
 // Takes what Leptonica returned; throws LibraryFailure for null.
 PixPtr owned(Pix* pix);
 BoxaPtr owned(Boxa* boxes);
@@ -40,6 +46,19 @@ PixPtr inkBelow(const Page& page, int level);
 
 // Turns a picture of ink into a mono page of the same form.
 Page monoPage(const PageForm& form, const Pix& ink);
+
+// Calls visit(piece, box) for each connected piece of a 1-bit picture and where it lies in it.
+template <class Visit>
+void forEachPiece(Pix& pix, Visit visit) {
+  Pixa* found = nullptr;
+  const BoxaPtr boxes = owned(pixConnComp(&pix, &found, 8));
+  const PixaPtr pieces(found);
+  for (int i = 0; i < boxaGetCount(boxes.get()); ++i) {
+    Box box{};
+    boxaGetBoxGeometry(boxes.get(), i, &box.x, &box.y, &box.w, &box.h);
+    visit(*owned(pixaGetPix(pieces.get(), i, L_CLONE)), std::as_const(box));
+  }
+}
 
 // Bits of one line of a 1-bit picture.
 class BitLine {

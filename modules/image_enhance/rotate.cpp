@@ -5,6 +5,7 @@
 #include "histogram.h"
 #include "pix.h"
 #include "steps.h"
+#include "stretch.h"
 
 namespace image_enhance {
 namespace {
@@ -14,10 +15,30 @@ constexpr int kSmallestSidePx = 100;  // nothing worth reading is smaller
 
 PixPtr inkOf(const Page& page) {
   if (page.isMono()) return inkBelow(page, 0);
-  const int tilePx = page.pxOfMm(4);
   Page gray = grayOf(page);
-  whitenPaper(gray, tilePx, tilePx, 2);
+  whitenPaper(gray, page.pxOfMm(4, Along::Width), page.pxOfMm(4, Along::Height), 2);
   return inkBelow(gray, automaticThreshold(histogramOf(gray)));
+}
+
+bool isLarge(const Pix& pix, int sidePx) {
+  return std::min(pixGetWidth(const_cast<Pix*>(&pix)), pixGetHeight(const_cast<Pix*>(&pix))) >= sidePx;
+}
+
+// The ink at one resolution both ways, which is one that letters are known at, if the page is large enough for that.
+PixPtr readableInk(const Page& page) {
+  PixPtr ink = inkOf(page);
+  const int dpiX = page.dpi(Along::Width);
+  const int dpiY = page.dpi(Along::Height);
+  int dpi = std::max(dpiX, dpiY);
+  if (dpiX != dpiY) {
+    dpi = std::min(dpi, kFinestDpi);
+    ink = owned(pixScale(ink.get(), static_cast<float>(dpi) / static_cast<float>(dpiX),
+                         static_cast<float>(dpi) / static_cast<float>(dpiY)));
+  }
+  for (; dpi > kFinestDpi * 4 / 3 && isLarge(*ink, 2 * kSmallestSidePx); dpi /= 2) {
+    ink = owned(pixReduceRankBinary2(ink.get(), 2, nullptr));
+  }
+  return ink;
 }
 
 // The library counts letters that rise above and hang below their lines, as standard deviations from chance: positive
@@ -31,12 +52,8 @@ bool isCertain(float confidence, float other) {
 // How many quarter turns clockwise make the text upright; 0 where that is not certain.
 int quarterTurns(const Page& page) {
   if (std::min(page.widthPx, page.heightPx) < kSmallestSidePx) return 0;
-  PixPtr ink = inkOf(page);
-  for (int dpi = page.dpi(); dpi > kFinestDpi * 4 / 3 && pixGetWidth(ink.get()) >= 2 * kSmallestSidePx &&
-                             pixGetHeight(ink.get()) >= 2 * kSmallestSidePx;
-       dpi /= 2) {
-    ink = owned(pixReduceRankBinary2(ink.get(), 2, nullptr));
-  }
+  const PixPtr ink = readableInk(page);
+  if (!isLarge(*ink, kSmallestSidePx)) return 0;
   l_float32 upright = 0;
   l_float32 turnedLeft = 0;
   if (pixOrientDetect(ink.get(), &upright, &turnedLeft, 0, 0) != 0) throw LibraryFailure();
@@ -65,6 +82,7 @@ void turnPixels(const Page& from, Page& to, int turns) {
   }
 }
 
+// The page in its new position, its resolutions exchanged where it lies on its side.
 Page turned(const Page& page, int turns) {
   PageForm form = page;
   if (turns != 2) {
@@ -78,12 +96,29 @@ Page turned(const Page& page, int turns) {
   return result;
 }
 
+int scaledSide(int sidePx, int toDpi, int fromDpi) {
+  const double px = static_cast<double>(sidePx) * toDpi / fromDpi;
+  return static_cast<int>(std::lround(std::clamp(px, 1.0, static_cast<double>(kMaxSidePx))));
+}
+
+// Gives a page that was turned on its side the resolutions back that it was scanned with: the scan was ordered with
+// one along the width and another along the height, and whoever raises the resolution later goes by that order.
+Page atResolutionOf(const PageForm& scanned, Page turnedPage) {
+  const bool isTold = scanned.dpiX > 0 && scanned.dpiY > 0;
+  if (!isTold || turnedPage.dpiX == scanned.dpiX) return turnedPage;
+  Page result = stretched(turnedPage, scaledSide(turnedPage.widthPx, scanned.dpiX, scanned.dpiY),
+                          scaledSide(turnedPage.heightPx, scanned.dpiY, scanned.dpiX));
+  std::swap(result.dpiX, result.dpiY);
+  std::swap(result.pixelsPerMetreX, result.pixelsPerMetreY);
+  return result;
+}
+
 }  // namespace
 
 bool turnUpright(Page& page, const Request&) {
   const int turns = quarterTurns(page);
   if (turns == 0) return false;
-  page = turned(page, turns);
+  page = atResolutionOf(page, turned(page, turns));
   return true;
 }
 

@@ -22,25 +22,26 @@ void darkenSideways(std::uint8_t* line, std::vector<std::uint8_t>& padded, std::
   }
 }
 
-void darken(Page& page, int side) {
-  const auto sideSize = static_cast<std::size_t>(side);
+void darken(Page& page, int width, int height) {
+  const auto widthSize = static_cast<std::size_t>(width);
   const auto step = static_cast<std::size_t>(page.channels());
   const std::size_t lineBytes = page.lineBytes();
-  std::vector<std::uint8_t> padded(lineBytes + sideSize * step);
-  for (int y = 0; y < page.heightPx; ++y) darkenSideways(page.line(y), padded, lineBytes, step, sideSize);
+  std::vector<std::uint8_t> padded(lineBytes + widthSize * step);
+  for (int y = 0; y < page.heightPx; ++y) darkenSideways(page.line(y), padded, lineBytes, step, widthSize);
   // Downwards from copies of the lines that are still to be looked at.
-  const int above = side / 2;
-  const int below = side - 1 - above;
-  std::vector<std::vector<std::uint8_t>> ring(sideSize, std::vector<std::uint8_t>(lineBytes, 255));
+  const int above = height / 2;
+  const int below = height - 1 - above;
+  std::vector<std::vector<std::uint8_t>> ring(static_cast<std::size_t>(height),
+                                              std::vector<std::uint8_t>(lineBytes, 255));
   const auto load = [&](int y) {
-    std::memcpy(ring[static_cast<std::size_t>(y % side)].data(), page.line(y), lineBytes);
+    std::memcpy(ring[static_cast<std::size_t>(y % height)].data(), page.line(y), lineBytes);
   };
   for (int y = 0; y < std::min(below, page.heightPx); ++y) load(y);
   for (int y = 0; y < page.heightPx; ++y) {
     if (y + below < page.heightPx) load(y + below);
     std::uint8_t* const line = page.line(y);
     for (int other = std::max(0, y - above); other <= std::min(page.heightPx - 1, y + below); ++other) {
-      const std::uint8_t* const at = ring[static_cast<std::size_t>(other % side)].data();
+      const std::uint8_t* const at = ring[static_cast<std::size_t>(other % height)].data();
       for (std::size_t x = 0; x < lineBytes; ++x) line[x] = std::min(line[x], at[x]);
     }
   }
@@ -50,11 +51,15 @@ void darken(Page& page, int side) {
 
 bool thickenText(Page& page, const Request& request) {
   const int level = std::clamp(request.param.thickTextLevel, 1, 5);
-  const int side = 1 + std::max(1, static_cast<int>(std::lround(level * page.dpi() / 300.0)));
+  const auto sidePx = [&](Along along) {
+    return 1 + std::max(1, static_cast<int>(std::lround(level * page.dpi(along) / 300.0)));
+  };
+  const int width = sidePx(Along::Width);
+  const int height = sidePx(Along::Height);
   if (page.isMono()) {
-    page = monoPage(page, *owned(pixDilateBrick(nullptr, inkBelow(page, 0).get(), side, side)));
+    page = monoPage(page, *owned(pixDilateBrick(nullptr, inkBelow(page, 0).get(), width, height)));
   } else {
-    darken(page, side);
+    darken(page, width, height);
   }
   return true;
 }

@@ -31,19 +31,38 @@ Curve curveOf(const orvalle_scan_api::IE_TONEADJUST& tone) {
   return curve;
 }
 
-// The darkest hundredth of the ink that matters becomes black, the paper white. A page without ink or paper is not
-// stretched beyond what a page of the kind can have lost.
-Curve curveOf(const Histogram& histogram) {
-  constexpr double kDarkShare = 0.002;
-  constexpr int kBrightestBlack = 96;
-  constexpr int kDarkestWhite = 160;
-  double total = 0;
-  for (const std::uint32_t count : histogram) total += count;
+// The level that so great a share of the pixels does not exceed.
+int darkEnd(const Histogram& histogram, double share) {
+  double wanted = 0;
+  for (const std::uint32_t count : histogram) wanted += count * share;
   double below = 0;
-  int black = 0;
-  while (black < kBrightestBlack && (below += histogram[static_cast<std::size_t>(black)]) < total * kDarkShare) ++black;
-  // Paper has grain: what is a little darker than most of it is to be white as well.
-  const int white = std::max(kDarkestWhite, paperLevel(histogram) - 4);
+  int level = 0;
+  while (level < 255 && (below += histogram[static_cast<std::size_t>(level)]) < wanted) ++level;
+  return level;
+}
+
+// What becomes white: the paper, grain included, which is a little darker than most of it. Where much is brighter than
+// the level that is most frequent, that is no paper but a part of a picture, which would be washed out.
+int whiteLevel(const Histogram& histogram) {
+  constexpr int kDarkestWhite = 160;
+  constexpr int kBrighterThanPaper = 16;
+  const int paper = paperLevel(histogram);
+  const bool isPicture = darkEnd(histogram, 0.95) > paper + kBrighterThanPaper;
+  return std::max(kDarkestWhite, isPicture ? darkEnd(histogram, 0.995) : paper - 4);
+}
+
+// What becomes black: the darkest ink that matters, however pale it is. A page without ink, or a dark picture, is not
+// stretched beyond what a page of the kind can have lost.
+int blackLevel(const Histogram& histogram, int white) {
+  constexpr int kBrightestBlack = 96;
+  constexpr int kPalestInk = 64;  // levels below white
+  const int black = darkEnd(histogram, 0.002);
+  return black <= white - kPalestInk ? black : std::min(black, kBrightestBlack);
+}
+
+Curve curveOf(const Histogram& histogram) {
+  const int white = whiteLevel(histogram);
+  const int black = blackLevel(histogram, white);
   Curve curve;
   for (int i = 0; i < 256; ++i) {
     curve[static_cast<std::size_t>(i)] = levelOf(static_cast<double>(i - black) / (white - black));

@@ -119,6 +119,14 @@ TEST(ImageEnhanceInk, DropsACustomColourByItsHue) {
   EXPECT_EQ(at({0, 104, 100, 98, 5, 0}, 150), kRed);
 }
 
+// The hues of one ink may lie on both sides of a border between two of the hues that inks are measured by.
+TEST(ImageEnhanceInk, LeavesNoSpotsInADroppedInk) {
+  Sheet sheet(300, 100);
+  sheet.fill({50, 20, 200, 60}, {200, 60, 33});                                    // 10 degrees
+  for (int i = 0; i < 40; ++i) sheet.fill({60 + i * 4, 30, 1, 1}, {200, 78, 33});  // 16 degrees
+  EXPECT_EQ(enhance(sheet, dropOf(kDropRed)).sheet, Sheet(300, 100));
+}
+
 TEST(ImageEnhanceInk, FillsADroppedColourWithPaperOrWhite) {
   const Ink cream = {250, 244, 226};
   Sheet sheet(300, 300, cream);
@@ -132,6 +140,25 @@ TEST(ImageEnhanceInk, FillsADroppedColourWithPaperOrWhite) {
 }
 
 // --- Noise ---
+
+// A word as a needle printer sets it: a pattern of 5 by 7 needles for each letter, 1/72 inch apart.
+void needleText(Sheet& sheet, int x, int y) {
+  static constexpr const char* kLetters[][7] = {
+      {"####.", "#...#", "#...#", "####.", "#.#..", "#..#.", "#...#"},
+      {"#####", "#....", "#....", "####.", "#....", "#....", "#####"},
+      {".####", "#....", "#....", ".###.", "....#", "....#", "####."},
+      {"#####", "..#..", "..#..", "..#..", "..#..", "..#..", "..#.."},
+  };
+  for (const auto& letter : kLetters) {
+    for (int row = 0; row < 7; ++row) {
+      for (int column = 0; column < 5; ++column) {
+        if (letter[row][column] != '#') continue;
+        sheet.disc(x + column * 25 / 6, y + row * 25 / 6, 1, kBlack);
+      }
+    }
+    x += 32;
+  }
+}
 
 _IE_PARAM noiseOf(std::int32_t side) {
   _IE_PARAM param = color();
@@ -171,6 +198,28 @@ TEST(ImageEnhanceInk, RemovesDustAndKeepsEveryDotOfTheText) {
     EXPECT_EQ(countDifferent(after, isMono ? toMono(clean) : clean, {0, 0, 900, 270}), 0) << "the text has changed";
     EXPECT_LT(countDark(after, {0, 280, 900, 120}), countDark(before, {0, 280, 900, 120}) / 10);
     if (!isMono) leavePicture("noise", before, after, before.whole(), 0.4F);
+  }
+}
+
+// Dots that are as small as specks and yet belong to something: leaders, the needles of a printer, a printed screen.
+void drawDots(Sheet& sheet) {
+  for (int i = 0; i < 30; ++i) sheet.fill({60 + i * 10, 40, 4, 4}, kBlack);
+  for (int i = 0; i < 8; ++i) sheet.fill({60 + i * 27, 80 + i % 2, 4, 4}, kBlack);
+  needleText(sheet, 420, 40);
+  for (int y = 130; y < 190; y += 6) {
+    for (int x = 60; x < 160; x += 6) sheet.fill({x + y / 6 % 2 * 3, y, 2, 2}, kBlack);
+  }
+}
+
+TEST(ImageEnhanceInk, KeepsDotsThatBelongTogether) {
+  Sheet clean(700, 260);
+  drawDots(clean);
+  Sheet before = clean;
+  for (int i = 0; i < 12; ++i) before.fill({220 + i * 37, 120 + i * 41 % 120, 1 + i % 4, 1 + i % 3}, kBlack);
+  for (const std::int32_t side : kNoiseSides) {
+    if (side < 120) continue;  // of the smaller ones, some specks are too large
+    EXPECT_EQ(enhance(before, noiseOf(side)).sheet, clean) << side;
+    EXPECT_EQ(enhance(toMono(before), noiseOf(side)).sheet, toMono(clean)) << side;
   }
 }
 
@@ -229,6 +278,27 @@ TEST(ImageEnhanceInk, LeavesTextWithoutLinesAlone) {
   EXPECT_FALSE(enhance(toMono(before), linesOf(true, true)).hasChanged);
 }
 
+// A dark picture of dots is full of long thin rows, and so is a black box above and below its white letters.
+TEST(ImageEnhanceInk, LeavesPicturesAndWhiteLettersAlone) {
+  Sheet before(900, 600);
+  std::minstd_rand random(5);
+  for (int y = 60; y < 300; ++y) {
+    for (int x = 60; x < 460; ++x) {
+      const int darkness = 40 + (x - 60) / 8 + (y - 60) / 16;  // of 100, up to all black
+      if (static_cast<int>(random() >> 8) % 100 < darkness) before.set(x, y, kBlack);
+    }
+  }
+  before.fill({60, 380, 600, 56}, kBlack);
+  before.text(80, 424, "PRICE INCLUDES POSTAGE", 10, kWhite);
+  Sheet wanted = before;
+  before.fill({500, 100, 360, 4}, kBlack);
+  before.fill({40, 520, 820, 4}, kBlack);
+  for (const bool isMono : {false, true}) {
+    const auto page = [&](const Sheet& sheet) { return isMono ? toMono(sheet) : sheet; };
+    EXPECT_EQ(countDifferent(enhance(page(before), linesOf(true, true)).sheet, page(wanted), before.whole()), 0);
+  }
+}
+
 TEST(ImageEnhanceInk, TakesTheSizeOfLinesFromTheRecord) {
   Sheet sheet(900, 200);
   sheet.fill({50, 50, 100, 3}, kBlack);                                    // 8 mm
@@ -269,25 +339,6 @@ TEST(ImageEnhanceInk, MakesStrokesThickerByTheLevel) {
     for (int x = 0; x < 640; ++x) ASSERT_LE(after.level(x, y), text.level(x, y)) << "ink was lost";
   }
   leavePicture("thick", text, after, {10, 20, 300, 150}, 1.2F);
-}
-
-// A word as a needle printer sets it: a pattern of 5 by 7 needles for each letter, 1/72 inch apart.
-void needleText(Sheet& sheet, int x, int y) {
-  static constexpr const char* kLetters[][7] = {
-      {"####.", "#...#", "#...#", "####.", "#.#..", "#..#.", "#...#"},
-      {"#####", "#....", "#....", "####.", "#....", "#....", "#####"},
-      {".####", "#....", "#....", ".###.", "....#", "....#", "####."},
-      {"#####", "..#..", "..#..", "..#..", "..#..", "..#..", "..#.."},
-  };
-  for (const auto& letter : kLetters) {
-    for (int row = 0; row < 7; ++row) {
-      for (int column = 0; column < 5; ++column) {
-        if (letter[row][column] != '#') continue;
-        sheet.disc(x + column * 25 / 6, y + row * 25 / 6, 1, kBlack);
-      }
-    }
-    x += 32;
-  }
 }
 
 int pieces(const Sheet& sheet, Rect rect) {

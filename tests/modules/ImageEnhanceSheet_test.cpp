@@ -67,6 +67,22 @@ TEST(ImageEnhanceSheet, RemovesPunchedHolesAndNothingElse) {
   }
 }
 
+// Bold letters that are as wide as high, or run into one another, can fill as much of their box as a disc does.
+TEST(ImageEnhanceSheet, TakesNoLetterForAHole) {
+  Sheet sheet(1240, 800);
+  sheet.fill({140, 400, 74, 74}, kBlack);  // U
+  sheet.fill({169, 400, 16, 70}, kWhite);
+  sheet.fill({140, 200, 80, 74}, kBlack);  // two M without a gap
+  for (const int x : {160, 200}) {
+    for (int i = 0; i < 34; ++i) sheet.fill({x - 8 + i / 4, 200 + i, 16 - i / 2, 1}, kWhite);
+    sheet.fill({x - 10, 240, 4, 34}, kWhite);
+    sheet.fill({x + 6, 240, 4, 34}, kWhite);
+  }
+  for (const Sheet& page : {sheet, toGray(sheet), toMono(sheet)}) {
+    EXPECT_FALSE(enhance(page, holesOf(false)).hasChanged) << page.bits;
+  }
+}
+
 TEST(ImageEnhanceSheet, SeesHolesThroughGrain) {
   Sheet before = letter(kTape, true);
   Sheet wanted = letter(kTape, false);
@@ -199,13 +215,34 @@ TEST(ImageEnhanceSheet, TurnsTextUpright) {
 
 TEST(ImageEnhanceSheet, TurnsTextUprightAtEveryResolution) {
   for (const int dpi : {150, 200, 600}) {
-    const Sheet straight = page();
-    Sheet scaled(straight.widthPx * dpi / 300, straight.heightPx * dpi / 300);
-    scaled.dpi = dpi;
-    for (int y = 0; y < scaled.heightPx; ++y) {
-      for (int x = 0; x < scaled.widthPx; ++x) scaled.set(x, y, straight.at(x * 300 / dpi, y * 300 / dpi));
-    }
+    const Sheet scaled = scannedAt(page(), dpi, dpi);
     EXPECT_EQ(enhance(turned(scaled, 3), upright()).sheet, scaled) << dpi;
+  }
+}
+
+// A page of which a line is not as high as a pixel is wide keeps both resolutions, and so its lengths on the paper.
+TEST(ImageEnhanceSheet, TurnsAPageOfUnequalResolutions) {
+  const struct { int dpiX, dpiY; } rows[] = {{300, 150}, {150, 300}, {204, 98}, {600, 300}};
+  for (const auto& [dpiX, dpiY] : rows) {
+    const Sheet straight = scannedAt(page(), dpiX, dpiY);
+    for (const int quarters : {1, 2, 3}) {
+      const Sheet lying = scannedAt(turned(page(), quarters), dpiX, dpiY);
+      for (const Sheet& before : {lying, toGray(lying), toMono(lying)}) {
+        const Sheet expected = before.bits == 1 ? toMono(straight) : straight;
+        const Sheet after = enhance(before, upright()).sheet;
+        SCOPED_TRACE(std::to_string(dpiX) + " " + std::to_string(quarters) + " " + std::to_string(before.bits));
+        ASSERT_NEAR(after.widthPx, expected.widthPx, 2);
+        ASSERT_NEAR(after.heightPx, expected.heightPx, 2);
+        EXPECT_EQ(after.bits, before.bits);
+        // The same ink in the same places, half an inch wide and high.
+        for (int y = 0; y + dpiY / 2 < expected.heightPx; y += dpiY / 2) {
+          for (int x = 0; x + dpiX / 2 < expected.widthPx; x += dpiX / 2) {
+            const Rect field = {x, y, dpiX / 2 - 2, dpiY / 2 - 2};
+            ASSERT_NEAR(meanLevel(after, field), meanLevel(expected, field), 16) << x << "," << y;
+          }
+        }
+      }
+    }
   }
 }
 
@@ -221,24 +258,6 @@ TEST(ImageEnhanceSheet, TurnsNothingThatHasNoDirection) {
   for (int i = 0; i < 40; ++i) shapes.fill({100 + i * 26, 200 + i * 31 % 400, 20, 20 + i * 7 % 90}, kBlack);
   EXPECT_FALSE(enhance(blank, upright()).hasChanged);
   EXPECT_FALSE(enhance(shapes, upright()).hasChanged);
-}
-
-TEST(ImageEnhanceSheet, ExchangesTheResolutionsOfAPageTurnedOnItsSide) {
-  const Sheet lying = turned(page(), 1);
-  std::vector<std::uint8_t> bmp = bmpOf(lying);
-  fakes::put32(bmp, 38, 11811);
-  fakes::put32(bmp, 42, 7874);
-  PAGE_STORE_VIEW store = storeOf(bmp, lying);
-  store.resolutionY = 200;
-  const auto module = createInstance<IImageEnhance>("QsImageEnhance");
-  _IE_PARAM param = upright();
-  ASSERT_EQ(module->Process(reinterpret_cast<CImageDataStore*>(&store), &param, 0), 0u);
-  const tagQS_SCAN_IMAGEDATA result = module->GetResult();
-  ASSERT_NE(result.data, nullptr);
-  EXPECT_EQ(result.resolutionX, 200);
-  EXPECT_EQ(result.resolutionY, 300);
-  EXPECT_TRUE(std::equal(result.data + 38, result.data + 42, bmp.data() + 42));
-  EXPECT_TRUE(std::equal(result.data + 42, result.data + 46, bmp.data() + 38));
 }
 
 }  // namespace

@@ -43,6 +43,42 @@ Sheet faded() {
   return sheet;
 }
 
+_IE_PARAM automaticTone() {
+  _IE_PARAM param = color();
+  param.doAutoTone = true;
+  return param;
+}
+
+// The level that most of a photograph has is no paper: what is brighter must not all become white.
+TEST(ImageEnhanceTone, DoesNotWashOutAPicture) {
+  Sheet sheet(400, 300);
+  for (int y = 0; y < 300; ++y) {
+    for (int x = 0; x < 400; ++x) {
+      const auto level = static_cast<std::uint8_t>(y < 120 ? 190 + x / 10 : 40 + (x + y) / 5);
+      sheet.set(x, y, {level, level, level});
+    }
+  }
+  const Sheet after = enhance(sheet, automaticTone()).sheet;
+  EXPECT_LT(after.level(100, 50), 235) << "the sky";
+  EXPECT_GT(after.level(390, 50), 250);
+  for (int x = 20; x < 380; x += 40) EXPECT_LT(after.level(x, 50), after.level(x + 20, 50)) << x;
+}
+
+TEST(ImageEnhanceTone, MakesPaleInkBlack) {
+  Sheet sheet(800, 300, {250, 250, 248});
+  writeText(sheet, {30, 10, 740, 280}, 10, {165, 165, 165});
+  const Sheet after = enhance(sheet, automaticTone()).sheet;
+  EXPECT_NEAR(countDark(after, sheet.whole(), 40), countDark(sheet, sheet.whole(), 200), 20);
+  EXPECT_EQ(after.at(5, 5), kWhite);
+}
+
+TEST(ImageEnhanceTone, MakesNoNoiseOfABlankPage) {
+  Sheet sheet(400, 300, {235, 232, 228});
+  addGrain(sheet, 8);
+  const Sheet after = enhance(sheet, automaticTone()).sheet;
+  EXPECT_EQ(countDark(after, sheet.whole(), 225), 0);
+}
+
 TEST(ImageEnhanceTone, LeavesAPageAloneWithNeutralNumbers) { EXPECT_FALSE(enhance(ramp(), tone(kNeutral)).hasChanged); }
 
 TEST(ImageEnhanceTone, DoesWhatEachNumberSays) {

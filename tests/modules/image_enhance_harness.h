@@ -38,6 +38,7 @@ struct Sheet {
   int bits = 24;
   std::vector<std::uint8_t> pixels;  // B,G,R
   int dpi = 300;
+  int linesPerInch = 0;  // where the resolution down the page is another one
 
   Sheet() = default;
   Sheet(int width, int height, Ink paper = kWhite) : widthPx(width), heightPx(height) {
@@ -48,6 +49,7 @@ struct Sheet {
   bool operator==(const Sheet&) const = default;
 
   std::size_t lineBytes() const { return fakes::lineBytesOf(widthPx, bits); }
+  int dpiY() const { return linesPerInch == 0 ? dpi : linesPerInch; }
   Rect whole() const { return {0, 0, widthPx, heightPx}; }
 
   Ink at(int x, int y) const {
@@ -131,6 +133,7 @@ inline Sheet toGray(const Sheet& color) {
   gray.heightPx = color.heightPx;
   gray.bits = 8;
   gray.dpi = color.dpi;
+  gray.linesPerInch = color.linesPerInch;
   for (int y = 0; y < color.heightPx; ++y) {
     for (int x = 0; x < color.widthPx; ++x) gray.pixels.push_back(static_cast<std::uint8_t>(color.level(x, y)));
   }
@@ -143,6 +146,7 @@ inline Sheet toMono(const Sheet& color, int threshold = 128) {
   mono.heightPx = color.heightPx;
   mono.bits = 1;
   mono.dpi = color.dpi;
+  mono.linesPerInch = color.linesPerInch;
   mono.pixels.resize(mono.lineBytes() * static_cast<std::size_t>(mono.heightPx));
   for (int y = 0; y < color.heightPx; ++y) {
     for (int x = 0; x < color.widthPx; ++x) {
@@ -163,6 +167,19 @@ inline Sheet turned(const Sheet& sheet, int quarters) {
     for (int x = 0; x < sheet.widthPx; ++x) result.set(sheet.heightPx - 1 - y, x, sheet.at(x, y));
   }
   return turned(result, quarters - 1);
+}
+
+// The same sheet at another resolution.
+inline Sheet scannedAt(const Sheet& sheet, int dpiX, int dpiY) {
+  Sheet result(sheet.widthPx * dpiX / sheet.dpi, sheet.heightPx * dpiY / sheet.dpiY());
+  result.dpi = dpiX;
+  if (dpiY != dpiX) result.linesPerInch = dpiY;
+  for (int y = 0; y < result.heightPx; ++y) {
+    for (int x = 0; x < result.widthPx; ++x) {
+      result.set(x, y, sheet.at(x * sheet.dpi / dpiX, y * sheet.dpiY() / dpiY));
+    }
+  }
+  return result;
 }
 
 // Pixels of rect that are darker than level.
@@ -206,7 +223,8 @@ inline orvalle_scan_api::PAGE_STORE_VIEW storeOf(std::vector<std::uint8_t>& bmp,
   orvalle_scan_api::PAGE_STORE_VIEW store{};
   store.data = bmp.data();
   store.dataSize = store.blockSize = static_cast<std::uint32_t>(bmp.size());
-  store.resolutionX = store.resolutionY = sheet.dpi;
+  store.resolutionX = sheet.dpi;
+  store.resolutionY = sheet.dpiY();
   store.widthPixel = sheet.widthPx;
   store.heightPixel = sheet.heightPx;
   store.compressCode = 2;
@@ -249,7 +267,7 @@ inline Outcome enhance(const Sheet& sheet, _IE_PARAM param, int autoColorMode = 
   EXPECT_EQ(result.pixelData, result.data + fakes::headerBytesOf(after.bits));
   EXPECT_EQ(result.dataSize, fakes::headerBytesOf(after.bits) + result.pixelDataSize);
   EXPECT_EQ(result.resolutionX, sheet.dpi);
-  EXPECT_EQ(result.resolutionY, sheet.dpi);
+  EXPECT_EQ(result.resolutionY, sheet.dpiY());
   EXPECT_FALSE(result.isBlankPage || result.pageScanIsTerminated);
   EXPECT_EQ(result.imageEnhanceTerminated, 0);
   after.pixels = fakes::upsideDown({result.pixelData, result.pixelData + result.pixelDataSize}, after.lineBytes());
