@@ -57,7 +57,7 @@ struct SCANDEC_WRITE {
   std::int32_t nInDataKind;       // data kind
   const std::uint8_t* pLineData;  // the input line; owned by the core
   std::size_t inSize;             // bytes at pLineData
-  std::uint8_t* pWriteBuff;       // output lines go here; owned by the core
+  std::uint8_t* pWriteBuff;       // output lines go here; owned by the core, another place in each call
   std::size_t writeBuffSize;
   std::uint8_t reservedFlag;
   std::uint8_t reservedFlag2;

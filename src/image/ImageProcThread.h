@@ -41,6 +41,9 @@ class CImageProcThread_Base : public CThread_Base {
   // The scan's status names this page neither as failed nor as cancelled.
   bool IsPageWanted(const CScanError& scanError) const;
 
+  // The trace of InvertImageHeight for a page whose lines were turned round on their way into the store.
+  static void TraceImageTurned(const CImageDataStore& store) { Trace("InvertImageHeight").success(store.IsBmp()); }
+
   // The frame of every stage's ThreadProc: traces, runs work, records its code with the page's number and marks the
   // page finished. No exception leaves: a lack of memory becomes 0x30402001, anything else codeOfException.
   template <class Work>

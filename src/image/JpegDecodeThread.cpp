@@ -127,10 +127,10 @@ QSRSLT CJpegDecodeThread::DecodeJpegImage_Page(CImageData* page) {
                            resX, resY, width, height, colorType, static_cast<int>(dataKind));
   target.StartWriteData(resX, resY, width, height, colorType, dataKind, kCompressNone);
   source.DeleteData();
-  const QSRSLT result = target.WriteDataBlock(decoded.data, decodedBytes);
+  const QSRSLT result = target.WriteBmpUpsideDown(decoded.data, decodedBytes);
   target.FinishWriteData(false, 0);
   g_ScanDevApiLog.WriteLog(1, "Invert bmp height");
-  target.InvertImageHeight();
+  TraceImageTurned(target);
   page->m_pCurrentStore = &target;
   return trace.ret(result);
 }

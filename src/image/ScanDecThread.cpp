@@ -5,12 +5,11 @@
 #include <memory>
 
 #include "image/BitmapHeader.h"
+#include "image/BitmapImage.h"
 #include "image/bmp_lines.h"
 
 namespace orvalle_scan_api {
 namespace {
-
-constexpr unsigned char kWhite = 0xFF;  // in every depth: a set mono bit is white
 
 // What the decoder is told of a colour type.
 struct DecodeColor {
@@ -87,26 +86,36 @@ QSRSLT CScanDecThread::DecodeOpened(CImageData* page) {
       source->GetResolutionX(), source->GetResolutionY(), source->GetWidthPixel(), source->GetHeightPixel(),
       source->GetColorType(), static_cast<int>(source->GetDataType()));
 
-  int total = 0;
+  // The lines come top line first: a page that is to be turned upside down takes them from its end.
+  const bool isTurned = IsImageHeightInvertStatus(m_userParam.duplexType, static_cast<int>(page->GetPageNo()));
+  DecodedLines lines(outputBuffer.get(), open.dwWriteBuffSize,
+                     isTurned ? DecodedLines::Order::BottomFirst : DecodedLines::Order::TopFirst);
   QSRSLT result = Start_WriteDecodeDataToImageData(source, target);
-  if (result == QSRSLT_SUCCESS) result = DecodeLines(source, target, write, &total);
-  target->FinishWriteData(false, total);
+  if (result == QSRSLT_SUCCESS) result = lines.open(target);
+  if (result == QSRSLT_SUCCESS) result = DecodeLines(source, target, write, lines);
+  lines.finish();
+  target->FinishWriteData(false, lines.total());
   source->DeleteData();
   page->m_pCurrentStore = target;
-  if (result != QSRSLT_SUCCESS) return result;
-
-  if (target->GetHeightPixel() > total) target->TrimImageHeight(total);
+  if (result != QSRSLT_SUCCESS) {
+    // A page that failed is left as it came.
+    if (isTurned) CBitmapImage(target->GetData(), target->GetDataSize()).InvertHeight();
+    return result;
+  }
+  if (target->GetHeightPixel() > lines.total()) target->TrimImageHeight(lines.total());
   // A page without a single line keeps the height that was announced; it is then white.
   result = target->CompleteBmp();
   if (result != QSRSLT_SUCCESS) return result;
-  const DUPLEXTYPE type = m_userParam.duplexType;
-  const int pageNo = static_cast<int>(page->GetPageNo());
-  if (IsImageHeightInvertStatus(type, pageNo)) target->InvertImageHeight();
-  if (IsImageWidthInvertStatus(type, pageNo)) target->InvertImageWidth();
+  if (isTurned) {
+    TraceImageTurned(*target);
+  } else {
+    target->InvertImageWidth();
+  }
   return QSRSLT_SUCCESS;
 }
 
-QSRSLT CScanDecThread::DecodeLines(CImageDataStore* source, CImageDataStore* target, SCANDEC_WRITE& write, int* total) {
+QSRSLT CScanDecThread::DecodeLines(CImageDataStore* source, CImageDataStore* target, SCANDEC_WRITE& write,
+                                   DecodedLines& lines) {
   const std::int64_t height = source->GetHeightPixel();
   WriteStatus status = kFailed;
   bool finished = false;
@@ -120,6 +129,7 @@ QSRSLT CScanDecThread::DecodeLines(CImageDataStore* source, CImageDataStore* tar
     }
     outLines = 0;
     outBytes = 0;
+    write.pWriteBuff = lines.room();
     const int written = m_pScanDec->Write(&write, &outLines, &outBytes);
     g_ScanDevApiLog.WriteLog(2, "ScanDecWrite. result = %d", written);
     status = GetScanDecWriteStatus(written, outLines, height - i);
@@ -132,8 +142,8 @@ QSRSLT CScanDecThread::DecodeLines(CImageDataStore* source, CImageDataStore* tar
       ReadImageBlock(source, &write);
     } else {
       finished = status == kWriteAndFinish;
-      const QSRSLT result = Write_DecodeDataToImageData(target, write, total, outLines, outBytes);
-      g_ScanDevApiLog.WriteLog(2, "totalWrittenLineCnt = %d", *total);
+      const QSRSLT result = lines.take(outLines, outBytes);
+      g_ScanDevApiLog.WriteLog(2, "totalWrittenLineCnt = %d", lines.total());
       if (!ReadImageBlock(source, &write)) finished = true;
       if (result != QSRSLT_SUCCESS) return result;
     }
@@ -141,13 +151,14 @@ QSRSLT CScanDecThread::DecodeLines(CImageDataStore* source, CImageDataStore* tar
   }
   outLines = 0;
   outBytes = 0;
+  write.pWriteBuff = lines.room();
   const int ended = m_pScanDec->PageEnd(&write, &outLines, &outBytes);
   g_ScanDevApiLog.WriteLog(1, "ScanDecPageEnd. result = %d", ended);
   // Kept: what PageEnd flushes counts only when the last line came out with the last of the height. Pinned by
   // ScanDecThread_test "flushed lines".
   if (status != kWriteAndFinish || outLines <= 0) return QSRSLT_SUCCESS;
-  const QSRSLT result = Write_DecodeDataToImageData(target, write, total, outLines, outBytes);
-  g_ScanDevApiLog.WriteLog(1, "ScanDecData TotalWriteLineCnt = %d", *total);
+  const QSRSLT result = lines.take(outLines, outBytes);
+  g_ScanDevApiLog.WriteLog(1, "ScanDecData TotalWriteLineCnt = %d", lines.total());
   return result;
 }
 
@@ -260,24 +271,6 @@ bool CScanDecThread::ReadImageBlock(CImageDataStore* source, SCANDEC_WRITE* writ
                                      : source->ReadLineData(&write->nInDataKind, &write->nInDataComp, &size);
   write->inSize = size;
   return write->pLineData != nullptr;
-}
-
-QSRSLT CScanDecThread::Write_DecodeDataToImageData(CImageDataStore* target, const SCANDEC_WRITE& write, int* total,
-                                                   int lines, int bytes) {
-  if (lines < 1 || bytes == 0) return QSRSLT_LINE_DECODER_WROTE_NOTHING;
-  const std::size_t lineBytes = target->GetWidthBytes();
-  // What the module says is held against the buffer it was given.
-  const std::size_t stride = count(bytes) / count(lines);
-  const int wanted = std::min(lines, std::max(0, target->GetHeightPixel() - *total));
-  for (int i = 0; i < wanted; ++i) {
-    const std::size_t at = std::min(count(i) * stride, write.writeBuffSize);
-    const std::size_t present = std::min({lineBytes, stride, write.writeBuffSize - at});
-    QSRSLT result = target->WriteDataBlock(write.pWriteBuff + at, static_cast<unsigned>(present));
-    if (result == QSRSLT_SUCCESS && present < lineBytes) result = target->WriteFill(kWhite, lineBytes - present);
-    if (result != QSRSLT_SUCCESS) return result;
-  }
-  *total += wanted;
-  return QSRSLT_SUCCESS;
 }
 
 }  // namespace orvalle_scan_api

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "image/ImageProcThread.h"
+#include "image/decoded_lines.h"
 #include "modules/ScanDec.h"
 
 namespace orvalle_scan_api {
@@ -30,7 +31,7 @@ class CScanDecThread : public CImageProcThread_Base {
   void ThreadProc() override;
   QSRSLT DecodeImage(CImageData* page);
   QSRSLT DecodeOpened(CImageData* page);
-  QSRSLT DecodeLines(CImageDataStore* source, CImageDataStore* target, SCANDEC_WRITE& write, int* total);
+  QSRSLT DecodeLines(CImageDataStore* source, CImageDataStore* target, SCANDEC_WRITE& write, DecodedLines& lines);
   bool OpenScanDec();
   void CloseScanDec();
   SCANDEC_OPEN CreateScanDecOpen(const CImageDataStore* source) const;
@@ -39,8 +40,6 @@ class CScanDecThread : public CImageProcThread_Base {
   int CalcOutputWidth(const CImageDataStore* source) const;
   QSRSLT Start_WriteDecodeDataToImageData(const CImageDataStore* source, CImageDataStore* target) const;
   static bool ReadImageBlock(CImageDataStore* source, SCANDEC_WRITE* write);
-  static QSRSLT Write_DecodeDataToImageData(CImageDataStore* target, const SCANDEC_WRITE& write, int* total, int lines,
-                                            int bytes);
 
   IScanDec* m_pScanDec = nullptr;
   CScanError* m_pScanError = nullptr;

@@ -6,6 +6,8 @@
 
 namespace orvalle_scan_api {
 
+inline constexpr std::size_t kBmpHeadersBytes = 54;  // both headers; a palette follows them
+
 struct BmpLines {
   unsigned char* first = nullptr;  // borrowed; null when there is no line
   std::size_t lineBytes = 0;       // also told when no line is there

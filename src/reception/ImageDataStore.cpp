@@ -79,7 +79,7 @@ void CImageDataStore::StartWriteData(int resX, int resY, int width, int height, 
 
 QSRSLT CImageDataStore::WriteDataBlock(const unsigned char* data, unsigned int size) {
   if (data == nullptr) return QSRSLT_NULL_DATA;
-  unsigned char* const room = makeRoom(size);
+  unsigned char* const room = MakeRoom(size);
   if (room == nullptr) return QSRSLT_NO_PAGE_MEMORY;
   std::memcpy(room, data, size);
   m_dataSize += size;
@@ -88,7 +88,7 @@ QSRSLT CImageDataStore::WriteDataBlock(const unsigned char* data, unsigned int s
 
 QSRSLT CImageDataStore::WriteLineData(int first, int second, const unsigned char* line, unsigned int size) {
   if (line == nullptr && size > 0) return QSRSLT_NULL_DATA;
-  unsigned char* room = makeRoom(kRecordWordsBytes + std::uint64_t{size});
+  unsigned char* room = MakeRoom(kRecordWordsBytes + std::uint64_t{size});
   if (room == nullptr) return QSRSLT_NO_PAGE_MEMORY;
   const std::uint32_t words[] = {static_cast<std::uint32_t>(first), static_cast<std::uint32_t>(second), size};
   static_assert(sizeof words == kRecordWordsBytes);
@@ -100,10 +100,29 @@ QSRSLT CImageDataStore::WriteLineData(int first, int second, const unsigned char
 }
 
 QSRSLT CImageDataStore::WriteFill(unsigned char value, std::uint64_t size) {
-  unsigned char* const room = makeRoom(size);
+  unsigned char* const room = MakeRoom(size);
   if (room == nullptr) return QSRSLT_NO_PAGE_MEMORY;
   std::memset(room, value, size);
   m_dataSize += static_cast<std::uint32_t>(size);
+  return QSRSLT_SUCCESS;
+}
+
+QSRSLT CImageDataStore::WriteBmpUpsideDown(const unsigned char* data, unsigned int size) {
+  if (data == nullptr) return QSRSLT_NULL_DATA;
+  unsigned char* const room = MakeRoom(size);
+  if (room == nullptr) return QSRSLT_NO_PAGE_MEMORY;
+  const std::size_t headBytes = std::min<std::size_t>(size, kBmpHeadersBytes);
+  std::memcpy(room, data, headBytes);
+  if (isBmp(room, size)) CBitmapHeader().SetHeightPixel(room, size, m_heightPixel);
+  const BmpLines lines = bmpLines(room, size);
+  const std::size_t linesAt = lines.count > 0 ? lines.offset : size;
+  std::memcpy(room + headBytes, data + headBytes, linesAt - headBytes);
+  for (std::size_t i = 0; i < lines.count; ++i) {
+    std::memcpy(lines.line(i), data + linesAt + (lines.count - 1 - i) * lines.lineBytes, lines.lineBytes);
+  }
+  const std::size_t restAt = linesAt + lines.count * lines.lineBytes;
+  std::memcpy(room + restAt, data + restAt, size - restAt);
+  TakeFilled(size);
   return QSRSLT_SUCCESS;
 }
 
@@ -321,10 +340,10 @@ bool CImageDataStore::ReallocDataBlockBuffer(std::uint32_t newSize) {
   return true;
 }
 
-unsigned char* CImageDataStore::makeRoom(std::uint64_t addSize) {
+unsigned char* CImageDataStore::MakeRoom(std::uint64_t size) {
   m_status.store(IMAGEDATA_WRITING, std::memory_order_release);
-  if (addSize > kMaxBlockBytes - m_dataSize) return nullptr;
-  const std::uint64_t newSize = CalcReallocBuffSize(m_buffSize, m_dataSize, static_cast<std::uint32_t>(addSize));
+  if (size > kMaxBlockBytes - m_dataSize) return nullptr;
+  const std::uint64_t newSize = CalcReallocBuffSize(m_buffSize, m_dataSize, static_cast<std::uint32_t>(size));
   if (newSize > kMaxBlockBytes || !ReallocDataBlockBuffer(static_cast<std::uint32_t>(newSize))) return nullptr;
   return block() + m_dataSize;
 }

@@ -55,6 +55,14 @@ class CImageDataStore {
   QSRSLT WriteLineData(int first, int second, const unsigned char* line, unsigned int size);
   // Appends size bytes of the value. Codes as above.
   QSRSLT WriteFill(unsigned char value, std::uint64_t size);
+  // As WriteDataBlock into an empty store, for the bytes of a BMP: its first lines in memory, as many as the store's
+  // height tells, are turned round on the way, and the height stands in its header. Any other data is copied as it is.
+  QSRSLT WriteBmpUpsideDown(const unsigned char* data, unsigned int size);
+
+  // Room for size bytes behind the data, in this store's block until the next write; status 1. Null when there is no
+  // memory. What is filled of it from its start becomes data with TakeFilled.
+  unsigned char* MakeRoom(std::uint64_t size);
+  void TakeFilled(std::uint64_t size) { m_dataSize += static_cast<std::uint32_t>(size); }
 
   // The next line record; at the end null, the values 0 and the cursor back at the start. A record that does not lie
   // inside the block is the end. Any null argument: null.
@@ -127,8 +135,6 @@ class CImageDataStore {
   unsigned char* block() const { return m_data.load(std::memory_order_acquire); }
   void setBlock(unsigned char* data) { m_data.store(data, std::memory_order_release); }
   bool ReallocDataBlockBuffer(std::uint32_t newSize);
-  // Makes room behind the data and sets status 1; null when there is none to be had.
-  unsigned char* makeRoom(std::uint64_t addSize);
   void correctHeightInHeader();
 
   std::atomic<unsigned char*> m_data{nullptr};  // from malloc, owned

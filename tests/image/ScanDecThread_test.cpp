@@ -213,6 +213,58 @@ TEST_F(LineStage, LinesWithoutBytesAreAnError) {
   EXPECT_EQ(decoder.closes, 1);
 }
 
+TEST_F(LineStage, APageThatFailsKeepsTheLinesThatCameInTheirOrder) {
+  for (const std::size_t linesOfBuffer : {std::size_t{1}, std::size_t{4}}) {
+    scanError.Reset();
+    page.m_pCurrentStore = &page.m_rawData;
+    decoder.linesOfBuffer = linesOfBuffer;
+    receiveLines(4, 5);
+    decoder.writeAnswers = {{0, 1, -1}, {0, 1, -1}, {0, 1, 0}};
+    EXPECT_EQ(run().status, 0x70406007u);
+    EXPECT_EQ(decoded(), fakes::makeBmp(5, 2, 24, numberedLines(1, 2, 15)));
+    EXPECT_EQ(page.m_decodedData.GetStatus(), 2);
+  }
+}
+
+TEST_F(LineStage, ADecoderOfOneLineAtATimeGivesTheSamePages) {
+  decoder.linesOfBuffer = 1;
+  receiveLines(4, 5);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(decoded(), fakes::makeBmp(5, 4, 24, numberedLines(4, 1, 15)));
+
+  page.m_pCurrentStore = &page.m_rawData;
+  receiveLines(3, 5);
+  page.m_rawData.UpdateHeightPixel(20);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(decoded(), fakes::makeBmp(5, 3, 24, numberedLines(3, 1, 15))) << "a short one";
+
+  page.m_pCurrentStore = &page.m_rawData;
+  receiveLines(3, 5);
+  decoder.writeAnswers = {{0, 1, -1}, {0, 0, 0}, {0, 1, -1}};
+  decoder.pageEndAnswer = {0, 1, -1};
+  EXPECT_EQ(run().status, 0u);
+  ByteVector expected(15, 0xE0);
+  const ByteVector others = numberedLines(3, 3, 15);
+  expected.insert(expected.end(), others.begin(), others.end());
+  expected.insert(expected.end(), 15, 1);
+  EXPECT_EQ(decoded(), fakes::makeBmp(5, 3, 24, expected)) << "one whose last line is flushed";
+
+  page.m_pCurrentStore = &page.m_rawData;
+  receiveLines(3, 5);
+  decoder.pageEndAnswer = {0, 5, -1};
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(decoded(), fakes::makeBmp(5, 3, 24, numberedLines(3, 1, 15))) << "a full one, whatever is flushed";
+
+  settings.user.duplexType = DUPLEXTYPE_SHORT_EDGE;
+  page.SetPageNo(2);
+  page.m_pCurrentStore = &page.m_rawData;
+  decoder.pageEndAnswer = {0, 0, 0};
+  receiveLines(3, 5);
+  page.m_rawData.UpdateHeightPixel(20);
+  EXPECT_EQ(run().status, 0u);
+  EXPECT_EQ(decoded(), fakes::makeBmp(5, 3, 24, numberedLines(1, 3, 15))) << "the back of a sheet";
+}
+
 TEST_F(LineStage, ADecoderThatCannotBeOpenedLeavesThePageAsItIs) {
   receiveLines(4, 5);
   decoder.openAnswer = 0;
@@ -247,7 +299,10 @@ TEST_F(LineStage, WhatTheDecoderClaimsIsHeldAgainstItsBuffer) {
                        {"fewer bytes than lines", {0, 3, 2}, 60},
                        {"bytes beyond the buffer", {0, 3, 0x7FFFFFFF}, 60},
                        {"lines without end", {0, 0x7FFFFFFF, 0x7FFFFFFF}, 60},
-                       {"negative bytes", {0, 3, -5}, 60}};
+                       {"negative bytes", {0, 3, -5}, 60},
+                       {"more lines than the place of one holds", {0, 3, 45}, 15},
+                       {"short strides in the place of one line", {0, 3, 12}, 15},
+                       {"a buffer that is shorter than a line", {0, 3, 45}, 7}};
   for (const Row& row : kRows) {
     page.m_pCurrentStore = &page.m_rawData;
     receiveLines(1, 5);
@@ -269,6 +324,20 @@ TEST_F(LineStage, WhatTheDecoderClaimsIsHeldAgainstItsBuffer) {
   expected.insert(expected.end(), 5, 0x5A);
   expected.insert(expected.end(), 10, 0xFF);
   expected.insert(expected.end(), 15, 1);
+  EXPECT_EQ(fakes::pixelsOf(decoded()), expected);
+
+  // Three lines of four bytes each in the place of one.
+  page.m_pCurrentStore = &page.m_rawData;
+  receiveLines(1, 5);
+  page.m_rawData.UpdateHeightPixel(3);
+  decoder.bufferBytes = 15;
+  decoder.writeAnswers = {{0, 3, 12}};
+  EXPECT_EQ(run().status, 0u);
+  ByteVector line(4, 1);
+  line.insert(line.end(), 11, 0xFF);
+  expected = line;
+  expected.insert(expected.end(), line.begin(), line.end());
+  expected.insert(expected.end(), line.begin(), line.end());
   EXPECT_EQ(fakes::pixelsOf(decoded()), expected);
 }
 
