@@ -12,9 +12,8 @@
 namespace qsscan {
 
 // Runs the whole scan on a library instance that nobody else uses and that is connected to the device; progress goes to
-// the stream. Everything that goes
-// wrong once the device is being asked to scan is told in the report, with what was kept; what goes wrong before
-// throws CommandError.
+// the stream. Everything that goes wrong once the device is being asked to scan is told in the report, with what was
+// kept; what goes wrong before throws CommandError.
 //
 // The first Ctrl-C asks the device to stop, and the pages that still come are kept. After the second one, or when the
 // device leaves the first unanswered, this does not return: the files are completed, leave is called with the report,
