@@ -17,7 +17,7 @@ namespace e2e {
 using Arguments = std::vector<std::string>;
 
 // No wait of a test is longer, also in builds that are slowed down by sanitizers.
-constexpr std::chrono::seconds kPatience{60};
+constexpr std::chrono::seconds kPatience{240};
 // What "within seconds" means to somebody who waits for a failure to be told.
 constexpr double kPromptSeconds = 10;
 
