@@ -1,11 +1,16 @@
 #include "band_decoder.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace jpeg_decode {
 namespace {
 
 constexpr std::uint8_t kMidGray = 128;
+
+// libjpeg's vector code writes lines that start at a multiple of this past the caches, as suits a page but not a line
+// that is read back at once; half of it beside such a place, it does not.
+constexpr std::size_t kVectorBytes = 32;
 
 }  // namespace
 
@@ -17,7 +22,7 @@ Step BandDecoder::open(std::span<const std::uint8_t> data, Picture& picture) {
     if (step != Step::Done) return step;
   }
   picture_ = picture;
-  line_.resize(picture.lineBytes());
+  lineRoom_.resize(picture.lineBytes() + 2 * kVectorBytes);
   totalBytes_ = data.size();
   reader_.emplace();
   return Step::Done;
@@ -34,8 +39,8 @@ bool BandDecoder::feed(std::span<const std::uint8_t> data) {
   return true;
 }
 
-Step BandDecoder::nextLine(std::span<std::uint8_t>& line) {
-  line = {};
+Step BandDecoder::nextLine(std::span<std::uint8_t>& next) {
+  next = {};
   if (finished()) return Step::Done;
   if (stage_ != Stage::Broken) {
     const Step step = decodeLine();
@@ -43,12 +48,19 @@ Step BandDecoder::nextLine(std::span<std::uint8_t>& line) {
     if (step != Step::Done || reader_->nothingCame()) {
       if (handedOut_ == 0) return step == Step::Done ? Step::Failed : step;
       stage_ = Stage::Broken;
-      std::fill(line_.begin(), line_.end(), kMidGray);
+      std::ranges::fill(line(), kMidGray);
     }
   }
   ++handedOut_;
-  line = line_;
+  next = line();
   return Step::Done;
+}
+
+std::span<std::uint8_t> BandDecoder::line() {
+  void* at = lineRoom_.data();
+  std::size_t space = lineRoom_.size();
+  std::align(kVectorBytes, picture_.lineBytes() + kVectorBytes, at, space);
+  return {static_cast<std::uint8_t*>(at) + kVectorBytes / 2, picture_.lineBytes()};
 }
 
 Step BandDecoder::decodeLine() {
@@ -68,7 +80,7 @@ Step BandDecoder::decodeLine() {
     if (step != Step::Done) return step;
     stage_ = Stage::Lines;
   }
-  std::uint8_t* row = line_.data();
+  std::uint8_t* row = line().data();
   std::size_t got = 0;
   return reader_->readLines(&row, 1, got);
 }

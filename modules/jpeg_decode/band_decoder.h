@@ -22,12 +22,13 @@ class BandDecoder {
 
   // Done with a line, which stays valid until the next call, or with an empty one when all lines were handed out. Once
   // all bytes are in, every line that is still missing comes as mid-grey, if at least the first lines came.
-  Step nextLine(std::span<std::uint8_t>& line);
+  Step nextLine(std::span<std::uint8_t>& next);
 
   bool finished() const { return handedOut_ == picture_.heightPx; }
 
  private:
   Step decodeLine();
+  std::span<std::uint8_t> line();
 
   enum class Stage { Header, Start, Lines, Broken };
 
@@ -38,7 +39,7 @@ class BandDecoder {
   std::size_t fedBytes_ = 0;
   std::uint32_t handedOut_ = 0;
   std::vector<std::uint8_t> input_;  // what libjpeg has not used yet
-  std::vector<std::uint8_t> line_;
+  std::vector<std::uint8_t> lineRoom_;
 };
 
 }  // namespace jpeg_decode

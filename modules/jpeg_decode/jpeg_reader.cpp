@@ -72,12 +72,33 @@ Step JpegReader::readHeader(Picture& picture) {
     if (workingBytes() > kMaxWorkingBytes) return Step::NoMemory;
     info_.out_color_space = info_.num_components == 1 ? JCS_GRAYSCALE : JCS_RGB;
     fillPicture(picture);
+    frame_ = {info_.image_width,    info_.image_height,     info_.num_components,
+              info_.data_precision, info_.progressive_mode, info_.arith_code};
     return Step::Done;
   });
 }
 
 Step JpegReader::start() {
-  return guarded([this] { return jpeg_start_decompress(&info_) ? Step::Done : Step::NeedInput; });
+  const auto takeScans = [this] { return jpeg_start_decompress(&info_) ? Step::Done : Step::NeedInput; };
+  const Step step = guarded(takeScans);
+  const bool linesCame = info_.input_scan_number > 1 || info_.input_iMCU_row > 0;
+  if (step != Step::Failed || !linesCame || tooManyScans_) return step;
+  // libjpeg gives up on a segment between two scans that makes no sense. The scans before it are a picture.
+  endHere();
+  return guarded(takeScans);
+}
+
+// The end of the picture in the place of the segment that libjpeg is at.
+void JpegReader::endHere() {
+  if (frame_) {
+    info_.image_width = frame_->widthPx;
+    info_.image_height = frame_->heightPx;
+    info_.num_components = frame_->components;
+    info_.data_precision = frame_->precision;
+    info_.progressive_mode = frame_->isProgressive;
+    info_.arith_code = frame_->isArithmetic;
+  }
+  info_.unread_marker = JPEG_EOI;
 }
 
 Step JpegReader::readLines(std::uint8_t** rows, std::size_t count, std::size_t& got) {
@@ -126,7 +147,10 @@ void JpegReader::onMessage(j_common_ptr info, int level) {
 }
 
 void JpegReader::onScan(j_common_ptr info) {
-  if (of(info).info_.input_scan_number > kMaxScans) onError(info);
+  JpegReader& reader = of(info);
+  if (reader.info_.input_scan_number <= kMaxScans) return;
+  reader.tooManyScans_ = true;
+  onError(info);
 }
 
 boolean JpegReader::onEmpty(j_decompress_ptr info) {
@@ -134,7 +158,7 @@ boolean JpegReader::onEmpty(j_decompress_ptr info) {
   if (!reader.last_) return FALSE;
   // Inside a marker's segment: the bytes of the end would be taken for its content, and the scans before it lost.
   if (info->unread_marker != 0) {
-    info->unread_marker = JPEG_EOI;
+    reader.endHere();
     return FALSE;
   }
   reader.source_.next_input_byte = kEndMarker;

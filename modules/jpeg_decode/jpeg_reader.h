@@ -9,6 +9,7 @@
 #include <csetjmp>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 // clang-format off
 #include <cstdio>  // jpeglib.h uses FILE and does not declare it
@@ -50,7 +51,7 @@ class JpegReader {
   // for one that would need more working memory than kMaxWorkingBytes.
   Step readHeader(Picture& picture);
 
-  // Prepares for lines; a picture in several scans is taken in whole here.
+  // Prepares for lines; a picture in several scans is taken in whole here, or up to what of it cannot be read.
   Step start();
 
   // Decodes at least one and at most count lines into rows, top line first, and stores their number in got.
@@ -64,8 +65,19 @@ class JpegReader {
     std::jmp_buf jump;
   };
 
+  // What of the frame header libjpeg overwrites when it meets a second one, before it finds that wrong.
+  struct Frame {
+    JDIMENSION widthPx;
+    JDIMENSION heightPx;
+    int components;
+    int precision;
+    boolean isProgressive;
+    boolean isArithmetic;
+  };
+
   template <class Action>
   Step guarded(Action action);
+  void endHere();
   void fillPicture(Picture& picture) const;
   bool isAcceptable() const;
   std::size_t workingBytes() const;
@@ -85,6 +97,8 @@ class JpegReader {
   bool last_ = false;
   bool created_ = false;
   bool nothingCame_ = false;
+  bool tooManyScans_ = false;
+  std::optional<Frame> frame_;  // once the header is read
 };
 
 }  // namespace jpeg_decode

@@ -1,7 +1,8 @@
 // How the last stage leads a page through the change of resolution: what it asks, what it feeds, what it makes of the
-// answers. The linker leads its calls of the resampler over here.
+// answers. The linker leads its calls of the resampler and its writes over here.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "image/ImageEnhanceThread.h"
@@ -26,9 +27,23 @@ struct Calls {
   CHRESO_WRITE end{};
 } calls;
 
+// Writes to any store by anything but the store itself.
+struct StoreWrites {
+  int count = 0;
+  int failed = 0;  // the write of this number finds no memory
+} storeWrites;
+
 }  // namespace
 
 extern "C" {
+QSRSLT __real__ZN16orvalle_scan_api15CImageDataStore14WriteDataBlockEPKhj(CImageDataStore*, const unsigned char*,
+                                                                          unsigned);
+QSRSLT __wrap__ZN16orvalle_scan_api15CImageDataStore14WriteDataBlockEPKhj(CImageDataStore* self,
+                                                                          const unsigned char* data, unsigned size) {
+  if (++storeWrites.count == storeWrites.failed) return 0x30402001;
+  return __real__ZN16orvalle_scan_api15CImageDataStore14WriteDataBlockEPKhj(self, data, size);
+}
+
 bool __real__ZN13CQvChangeReso14ChangeResoInitEP11CHRESO_OPEN(CQvChangeReso*, CHRESO_OPEN*);
 int __real__ZN13CQvChangeReso20ChangeResoWriteStartEv(CQvChangeReso*);
 int __real__ZN13CQvChangeReso15ChangeResoWriteEP12CHRESO_WRITEPi(CQvChangeReso*, CHRESO_WRITE*, int*);
@@ -79,7 +94,8 @@ struct RaisedPage {
     ASSERT_EQ(page.m_decodedData.WriteDataBlock(bmp.data(), static_cast<unsigned>(bmp.size())), 0u);
     page.m_decodedData.FinishWriteData(false, 0);
   }
-  QSRSLT run() {
+  QSRSLT run(int failedWrite = 0) {
+    storeWrites = {0, failedWrite};
     stage.WriteImage(&page);
     EXPECT_EQ(stage.Start1Image(settings.user, settings.device, &scanError, &enhancer, {}), 0u);
     EXPECT_EQ(fakes::collect(stage), &page);
@@ -197,6 +213,37 @@ TEST(ChangeOfResolution, OfWhichTheSecondStartFailsIsAnErrorOfAFinishedStore) {
   EXPECT_TRUE(raised.page.m_decodedData.IsEmpty());
   EXPECT_EQ(raised.page.m_finalData.GetStatus(), 2);
   EXPECT_EQ(raised.page.GetFinalImage().imageEnhanceTerminated, IMAGEENHANCE_FAILED);
+}
+
+// Header, lines and flush: whichever of them finds no memory is the last that is tried.
+TEST(ChangeOfResolution, WhoseResultCannotBeWrittenIsAnErrorAndNothingIsWrittenBehindIt) {
+  int writes = 0;
+  ByteVector whole;
+  {
+    RaisedPage raised({300, 300}, {600, 600});
+    raised.decoded(5, 8, COLORTYPE_TRUEGRAY, fakes::countingPixels(5, 8, 8));
+    ASSERT_EQ(raised.run(), 0u);
+    writes = storeWrites.count;
+    whole = raised.finalPixels();
+    ASSERT_GT(writes, 10);
+    ASSERT_EQ(whole.size(), 160u);
+  }
+  for (int failed = 1; failed <= writes; ++failed) {
+    SCOPED_TRACE("write " + std::to_string(failed) + " of " + std::to_string(writes));
+    RaisedPage raised({300, 300}, {600, 600});
+    raised.decoded(5, 8, COLORTYPE_TRUEGRAY, fakes::countingPixels(5, 8, 8));
+    EXPECT_EQ(raised.run(failed), 0x30402001u);
+    EXPECT_EQ(raised.scanError.Get().errPageNo, 3u);
+    EXPECT_EQ(storeWrites.count, failed);
+    EXPECT_EQ(calls.ends, 1) << "what was begun is ended";
+    EXPECT_EQ(raised.page.m_pCurrentStore, &raised.page.m_finalData);
+    EXPECT_TRUE(raised.page.m_decodedData.IsEmpty());
+    EXPECT_EQ(raised.page.m_finalData.GetStatus(), 2);
+    EXPECT_EQ(raised.page.GetFinalImage().imageEnhanceTerminated, IMAGEENHANCE_FAILED);
+    const ByteVector present = raised.finalPixels();
+    ASSERT_LT(present.size(), whole.size());
+    EXPECT_TRUE(std::equal(present.begin(), present.end(), whole.begin()));
+  }
 }
 
 TEST(ChangeOfResolution, IsJudgedByItsSecondStartAlone) {

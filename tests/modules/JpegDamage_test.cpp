@@ -185,6 +185,61 @@ TEST_F(JpegDamage, AnErrorAfterTheFirstLinesLeavesMidGrayBelow) {
   EXPECT_EQ(band.bytes.size(), 120u * 100);
 }
 
+// Where the segments behind the first scan begin.
+std::vector<std::size_t> segmentsBetweenScans(const Bytes& jpeg) {
+  std::vector<std::size_t> places;
+  bool scanSeen = false;
+  for (std::size_t at = 2; at + 3 < jpeg.size(); ++at) {
+    const int marker = jpeg[at] == 0xFF ? jpeg[at + 1] : 0;
+    if (marker < 0xC0 || (marker >= 0xD0 && marker <= 0xD9)) continue;  // pixels, restarts and the end
+    if (scanSeen) places.push_back(at);
+    scanSeen = scanSeen || marker == 0xDA;
+    at += 1u + static_cast<std::size_t>(jpeg[at + 2] * 256 + jpeg[at + 3]);
+  }
+  return places;
+}
+
+TEST_F(JpegDamage, ASegmentBetweenScansThatMakesNoSenseEndsThePictureBeforeIt) {
+  const Bytes frame{0xFF, 0xC2, 0, 17, 8, 0xFF, 0xF0, 0xFF, 0xF0, 9, 1, 0x22, 0, 2, 0x11, 1, 3, 0x11, 1};
+  const struct {
+    const char* name;
+    Bytes bytes;  // in the place of the segment
+  } kRows[] = {
+      {"a table without a length", {0xFF, 0xC4, 0, 0, 0, 1, 2, 3}},
+      {"a table of too many codes", {0xFF, 0xC4, 0, 40, 0, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255, 255}},
+      {"a table of no known number", {0xFF, 0xC4, 0, 20, 0x7F, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 5}},
+      {"a quantisation of no known number", {0xFF, 0xDB, 0, 67, 15, 1, 2, 3}},
+      {"a scan of too many parts", {0xFF, 0xDA, 0, 20, 9, 1, 0, 2, 0}},
+      {"a scan of unknown parts", {0xFF, 0xDA, 0, 8, 1, 77, 0, 1, 5, 0}},
+      {"a second start", {0xFF, 0xD8, 0xFF, 0xD8}},
+      {"a second frame of another size", frame},
+      {"a second frame that is cut", Bytes(frame.begin(), frame.begin() + 9)},
+      {"a marker that nobody knows", {0xFF, 0x05, 0xFF, 0x05}},
+  };
+  for (const int parts : {1, 3}) {
+    const Bytes jpeg = encodeJpeg(drawPicture(70, 50, parts), {.progressive = true});
+    const std::vector<std::size_t> places = segmentsBetweenScans(jpeg);
+    ASSERT_GT(places.size(), 5u);
+    for (const std::size_t at : places) {
+      Pixels expected;
+      ASSERT_TRUE(decodeWithLibjpeg(head(jpeg, at), expected));
+      for (const auto& row : kRows) {
+        SCOPED_TRACE(row.name + std::string(" at ") + std::to_string(at));
+        Bytes damaged = head(jpeg, at);
+        damaged.insert(damaged.end(), row.bytes.begin(), row.bytes.end());
+        const bool isCut = row.bytes.size() == 9 && row.bytes[1] == 0xC2;
+        if (!isCut) damaged.insert(damaged.end(), jpeg.begin() + static_cast<std::ptrdiff_t>(at), jpeg.end());
+        const Decoded page = decodePage(*decoder_, damaged);
+        EXPECT_EQ(page.status, 0);
+        EXPECT_EQ(page.bytes, expected.bytes);
+        const Decoded band = decodeBand(*decoder_, damaged, 13);
+        EXPECT_EQ(band.status, 0);
+        EXPECT_EQ(band.bytes, expected.bytes);
+      }
+    }
+  }
+}
+
 TEST_F(JpegDamage, WhatIsNoJpegFails) {
   std::mt19937 random(5);
   Bytes noise(5000);

@@ -69,11 +69,11 @@ TEST(BmpTurnedOnItsWay, HasItsFirstLinesInTheOppositeOrderAndTheRestBehindThem) 
 TEST(BmpTurnedOnItsWay, MayBeAnythingElse) {
   std::mt19937 random(9);
   const ByteVector whole = fakes::makeBmp(9, 5, 8, fakes::countingPixels(9, 5, 8));
-  for (std::size_t size = 1; size <= whole.size(); ++size) {
+  for (std::size_t size = 1; size <= whole.size(); size += size < 70 || size > 1070 ? 1 : 50) {
     SCOPED_TRACE("cut at " + std::to_string(size));
     expectTheSame({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)}, 5);
   }
-  for (int round = 0; round < 2000; ++round) {
+  for (int round = 0; round < 300; ++round) {
     SCOPED_TRACE("round " + std::to_string(round));
     ByteVector bmp = fakes::makeBmp(9, 5, 24, fakes::countingPixels(9, 5, 24));
     for (std::size_t at = 0; at < 54; ++at) {
