@@ -50,7 +50,7 @@ TEST_F(SeveralHostsTest, AnotherHostIsToldThatTheDeviceIsBusyAndDisturbsNothing)
     second.send(row.frame);
     EXPECT_EQ(second.receive(row.answer.size()), row.answer) << row.frame;
   }
-  EXPECT_NE(logged().find("SSP refused: the device is busy with another host"), std::string::npos);
+  EXPECT_NE(logged().find("\nhost 2: SSP refused: the device is busy with another host"), std::string::npos);
   const test::ReceivedScan received = first.receiveScan();
   EXPECT_EQ(received.endStatus, 0x20);
   EXPECT_EQ(received.pages.size(), 1u);
