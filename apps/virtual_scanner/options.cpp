@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "device/fault.h"
+
 namespace vscan {
 namespace {
 
@@ -16,15 +18,15 @@ void declareSheets(CLI::App& app, ScannerOptions& options) {
   app.add_option("--feeder", options.moreSheets, "More files for the feeder")->type_name("FILE");
   app.add_option("--bed", options.bed, "The sheet on the bed")->type_name("FILE");
   app.add_flag("--blank-backs", options.blankBacks, "Each page is a sheet with a white back");
-  app.add_option("--skew", options.skewDegrees, "How far off the sheets lie, clockwise, in degrees")
+  app.add_option("--skew", options.skewDegrees, "How far off the sheets lie, clockwise; -45 to 45")
       ->type_name("DEGREES")
-      ->check(CLI::Range(-45.0, 45.0));
+      ->check(CLI::Range(-45.0, 45.0).description(""));
   app.add_flag("--reload", options.reloads, "Fill the feeder again after each scan");
 }
 
 void declareDevice(CLI::App& app, ScannerOptions& options) {
   app.add_option("--profile", options.profile, "What scanner to be: a shipped profile or a JSON file")
-      ->type_name("NAME|FILE")
+      ->type_name("PROFILE")
       ->capture_default_str();
   app.add_option("--set", options.overrides, "Override a value of the profile, e.g. compressType[2]=3")
       ->type_name("KEY=VALUE")
@@ -44,9 +46,12 @@ void declareLine(CLI::App& app, ScannerOptions& options) {
   app.add_option("--id", options.id, "What tells this scanner from all others over mDNS")->type_name("TEXT");
   app.add_flag("--hidden", options.isHidden, "Tell the network nothing over mDNS");
   app.add_option("--ppm", options.pagesPerMinute, "Pages per minute; 0 is as fast as the line allows")
-      ->check(CLI::Range(0.0, 1e6));
+      ->type_name("N")
+      ->check(CLI::Range(0.0, 1e6).description(""));
   app.add_option("--drip", options.dripBytes, "Send in pieces of that many bytes")->type_name("BYTES");
-  app.add_option("--drip-ms", options.dripMs, "Wait that long after each piece")->check(CLI::Range(0, 60000));
+  app.add_option("--drip-ms", options.dripMs, "Wait that long after each piece")
+      ->type_name("MS")
+      ->check(CLI::Range(0, 60000).description(""));
   app.add_option("--lines", options.lines, "How lines go out where run-length coding is asked for")
       ->check(CLI::IsMember({"packbits", "raw"}))
       ->capture_default_str();
@@ -60,6 +65,18 @@ void declareLine(CLI::App& app, ScannerOptions& options) {
       ->type_name("FAULT")
       ->allow_extra_args(false);
   app.add_flag("-v,--verbose", options.verbose, "Tell each command and each answer on stderr");
+}
+
+std::string footer() {
+  return "--scanner NAME begins a scanner of its own; what stands before the first is for all of them.\n\n"
+         "PROFILE is office, flatbed, classic or a JSON file.\n\n"
+         "BUTTON is image, ocr, email or file, and settings: resolution, color, paper, landscape, turn, duplex,\n"
+         "binding, crop, deskew, blank, bleed, brightness, contrast, background, format, compression, quality.\n\n"
+         "FAULT is KIND[=VALUE]@page=N[,line=N|,byte=N][,times=N] or KIND[=VALUE]@command=NAME[,byte=N][,times=N].\n"
+         "KIND is one of " +
+         faultNames() +
+         ".\n\nWhat each of them means stands in docs/virtual-scanner.md.\n"
+         "Exit codes: 0 ended by a signal, 2 a request that cannot be met, above 100 options that cannot be read.";
 }
 
 // One scanner's arguments, first to last.
@@ -90,8 +107,8 @@ std::vector<Part> splitAtScanners(int argc, const char* const* argv) {
 std::variant<ProgramOptions, int> readOptions(int argc, const char* const* argv) {
   ProgramOptions program;
   for (Part& part : splitAtScanners(argc, argv)) {
-    CLI::App app{"A scanner made of files: serves sheets to programs that drive scanners"};
-    app.footer("--scanner NAME begins a scanner of its own; what stands before the first is for all of them.");
+    CLI::App app{"A scanner made of files: serves sheets to programs that drive scanners", "qs-virtual-scanner"};
+    app.footer(footer());
     ScannerOptions options;
     options.name = part.name;
     declareSheets(app, options);

@@ -197,6 +197,19 @@ TEST_F(PageSettingsTest, AScanForEdgesShowsThemOnADarkBacking) {
   EXPECT_EQ(make(Raster(30, 20, 1, 255)).data.front(), 40);
 }
 
+TEST_F(PageSettingsTest, TheBackOfASheetLeansTheOtherWay) {
+  const std::string path = folder_.file("sheet.png");
+  test::writePng(path, picture_, 254);
+  const Face face{openSheetFile(path), 0};
+  const auto scan = std::get<GrantedScan>(grantScan(profile_, settings_, false, true));
+  const auto skewed = [&](double degrees, const Face& front) {
+    options_.skewDegrees = degrees;
+    return makePage(profile_, scan, start_, {face, front}, options_).data;
+  };
+  EXPECT_EQ(skewed(7, face), skewed(-7, {}));
+  EXPECT_NE(skewed(7, face), skewed(7, {}));
+}
+
 TEST_F(PageSettingsTest, AnAreaThatStraightensNeedsNoDeskew) {
   options_.skewDegrees = 5;
   EXPECT_NE(make(picture_).data, picture_.pixels);

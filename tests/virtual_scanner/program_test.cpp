@@ -133,6 +133,20 @@ TEST(Program, AButtonIsPressedAtTheStartAndWhileItRuns) {
   EXPECT_EQ(nobody.end(0), 2);
 }
 
+TEST(Program, TheHelpNamesEveryFault) {
+  Program program({"--help"});
+  std::string help;
+  for (std::string line = program.outLine(); !line.starts_with("Exit codes"); line = program.outLine()) {
+    help += line + "\n";
+    ASSERT_LE(line.size(), 120u) << line;
+    ASSERT_LE(help.size(), 20000u);
+  }
+  for (const char* name : {"disconnect", "silence", "timer-extend", "drip", "cover-open", "busy", "locked"}) {
+    EXPECT_NE(help.find(name), std::string::npos) << name;
+  }
+  EXPECT_EQ(program.end(0), 0);
+}
+
 TEST(Program, AWrongRequestEndsItWithASentence) {
   const test::TempFolder folder;
   const struct {

@@ -1,6 +1,8 @@
 // Hosts that want the same scanner at the same time, and hosts that come and go.
+#include <algorithm>
 #include <filesystem>
 #include <iterator>
+#include <random>
 
 #include "gen1_host.h"
 #include "session_fixture.h"
@@ -48,7 +50,7 @@ TEST_F(SeveralHostsTest, AnotherHostIsToldThatTheDeviceIsBusyAndDisturbsNothing)
     second.send(row.frame);
     EXPECT_EQ(second.receive(row.answer.size()), row.answer) << row.frame;
   }
-  EXPECT_NE(logged().find("SSP refused: the device is busy with another host"), std::string::npos);
+  EXPECT_NE(logged().find("\nhost 2: SSP refused: the device is busy with another host"), std::string::npos);
   const test::ReceivedScan received = first.receiveScan();
   EXPECT_EQ(received.endStatus, 0x20);
   EXPECT_EQ(received.pages.size(), 1u);
@@ -144,6 +146,27 @@ TEST_F(SeveralHostsTest, TwoHundredHostsComeAndGoAndLeaveNothingBehind) {
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
   EXPECT_LE(openDescriptors(), before);
+}
+
+TEST_F(SeveralHostsTest, NoiseIsRefusedAndTheScannerGoesOn) {
+  std::mt19937 random(18);
+  for (const Profile& profile : {office_, classic_}) {
+    serveSheets(profile, 1);
+    for (int i = 0; i < 60; ++i) {
+      std::string bytes = i % 3 == 0   ? test::settingsFrame(kGreyLines) + test::startFrame("AUTO")
+                          : i % 3 == 1 ? test::startFrame1()
+                                       : std::string(random() % 6000, '\0');
+      if (i % 3 == 2) std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<char>(random()); });
+      for (int hits = 0; hits < 4; ++hits) bytes[random() % bytes.size()] = static_cast<char>(random());
+      Host host = connect();
+      host.send(bytes);
+      if (i % 2 == 0) host.receive(1);
+    }
+    Host host = connect();
+    host.send(kQ);
+    EXPECT_EQ(host.receive(2), (Bytes{0xC1, 0x00}));
+    stop();
+  }
 }
 
 TEST_F(SeveralHostsTest, OneHostTooManyIsTurnedAway) {

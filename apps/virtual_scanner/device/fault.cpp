@@ -197,6 +197,25 @@ bool Fault::needsWholeRecord() const {
   }
 }
 
+std::string faultNames() {
+  constexpr std::size_t kLineBytes = 100;
+  std::string names;
+  std::size_t lineBegin = 0;
+  const auto add = [&](Text name) {
+    if (!names.empty()) names += ", ";
+    if (names.size() - lineBegin + name.size() > kLineBytes) {
+      names.back() = '\n';
+      lineBegin = names.size();
+    }
+    names += name;
+  };
+  for (const KindRow& row : kKinds) add(row.name);
+  for (const Text name : deviceErrorNames()) {
+    if (name != "double-feed") add(name);  // a kind of its own, for it depends on the host's settings
+  }
+  return names;
+}
+
 Fault parseFault(const std::string& text, Generation generation) { return Reader(text, generation).read(); }
 
 std::optional<std::size_t> strikesWithin(const Fault& fault, const RecordSpan& record) {

@@ -77,6 +77,9 @@ struct Fault {
 // Device errors have the number that they have in that generation. Throws Failure with a sentence.
 Fault parseFault(const std::string& text, Generation generation);
 
+// Every kind and every device error by name, with commas and line feeds as a help text wants them.
+std::string faultNames();
+
 // One record of the faulty page: where it begins and how far it takes the page.
 struct RecordSpan {
   std::int64_t firstByte = 0;

@@ -153,7 +153,8 @@ Page makePage(const Profile& profile, const GrantedScan& scan, const StartSettin
   Page page;
   Raster sheet = pixelsOf(scan, source, &page.isTooLong);
   if (options.skewDegrees != 0 && !isStraightened && source.face.file) {
-    sheet = rotate(sheet, options.skewDegrees, backing);
+    const bool isBack = source.sizeFrom.file != nullptr;  // from there the sheet leans the other way
+    sheet = rotate(sheet, isBack ? -options.skewDegrees : options.skewDegrees, backing);
   }
   whitenMargins(sheet, can.of(scan.path).margins, scan.dpiX, scan.dpiY);
   const Rect sheetRect = place(profile, scan, sheet);

@@ -17,7 +17,7 @@ struct PageOptions {
 // The sheet's own face, or white of the size of the other side when it has no file.
 struct PageSource {
   Face face;
-  Face sizeFrom;
+  Face sizeFrom;  // of a back: the front
 };
 
 // Throws Failure when the file cannot be read or the page cannot be made.

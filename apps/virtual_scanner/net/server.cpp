@@ -46,24 +46,29 @@ void Server::receive(UniqueFd socket, const Listener& listener) {
     log_.note("too many hosts are connected; one more has been turned away");
     return;
   }
-  log_.detail("a host has connected to " + listener.address());
+  const bool isAlone = hosts_.empty();
   Served& host = hosts_.emplace_back();
+  ++hostsSoFar_;
+  if (!isAlone) host.log = std::make_unique<Log>(log_, "host " + std::to_string(hostsSoFar_));
+  Log& log = isAlone ? log_ : *host.log;
+  log.detail("a host has connected to " + listener.address());
   try {
-    host.thread = std::thread([this, &host, own = std::move(socket)]() mutable { serve(std::move(own), host); });
+    host.thread =
+        std::thread([this, &host, &log, own = std::move(socket)]() mutable { serve(std::move(own), host, log); });
   } catch (const std::system_error& error) {
     log_.note(std::string("a host has been turned away: ") + error.what());
     hosts_.pop_back();
   }
 }
 
-void Server::serve(UniqueFd socket, Served& host) {
+void Server::serve(UniqueFd socket, Served& host, Log& log) {
   try {
     Connection connection(std::move(socket), stopFd_, device_.options.drip);
-    Session(device_, connection, log_).run();
+    Session(device_, connection, log).run();
   } catch (const std::exception& error) {
-    log_.note(std::string("a host has been left: ") + error.what());
+    log.note(std::string("a host has been left: ") + error.what());
   }
-  log_.detail("the host has gone");
+  log.detail("the host has gone");
   host.hasGone = true;
 }
 

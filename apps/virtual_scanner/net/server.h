@@ -3,6 +3,7 @@
 #pragma once
 #include <atomic>
 #include <list>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -25,17 +26,19 @@ class Server {
  private:
   struct Served {
     std::thread thread;
+    std::unique_ptr<Log> log;  // null for a host that is alone: it needs no name
     std::atomic<bool> hasGone{false};
   };
 
   void receive(UniqueFd socket, const Listener& listener);
-  void serve(UniqueFd socket, Served& host);
+  void serve(UniqueFd socket, Served& host, Log& log);
 
   Device& device_;
   const std::vector<Listener> listeners_;
   Log& log_;
   const int stopFd_;
   std::list<Served> hosts_;  // run() only, but for the flags
+  unsigned hostsSoFar_ = 0;  // run() only
 };
 
 }  // namespace vscan

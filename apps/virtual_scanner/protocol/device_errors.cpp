@@ -41,6 +41,12 @@ std::uint8_t codeOf(DeviceError error, Generation generation) {
   return generation == Generation::First ? row.first : row.second;
 }
 
+std::vector<std::string_view> deviceErrorNames() {
+  std::vector<std::string_view> names;
+  for (const ErrorRow& row : kErrors) names.push_back(row.name);
+  return names;
+}
+
 std::optional<DeviceError> deviceErrorNamed(std::string_view name) {
   for (const ErrorRow& row : kErrors) {
     if (row.name == name) return row.error;

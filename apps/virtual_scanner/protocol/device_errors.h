@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "protocol/generation.h"
 
@@ -24,6 +25,9 @@ enum class DeviceError {
 };
 
 std::uint8_t codeOf(DeviceError error, Generation generation);
+
+// What people call the errors.
+std::vector<std::string_view> deviceErrorNames();
 
 // The error that people call so ("jam", "cover-open"); nothing for any other word.
 std::optional<DeviceError> deviceErrorNamed(std::string_view name);

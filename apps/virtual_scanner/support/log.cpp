@@ -7,6 +7,10 @@ namespace vscan {
 Log::Log(bool verbose, Sink sink, std::string name)
     : verbose_(verbose), sink_(std::move(sink)), prefix_(name.empty() ? "" : name + ": ") {}
 
+Log::Log(Log& whole, std::string name)
+    : Log(
+          whole.verbose_, [&whole](const std::string& line) { whole.write(line); }, std::move(name)) {}
+
 void Log::note(std::string_view line) { write(line); }
 
 void Log::detail(std::string_view line) {
@@ -16,7 +20,7 @@ void Log::detail(std::string_view line) {
 void Log::write(std::string_view line) {
   const std::lock_guard lock(mutex_);
   if (sink_) {
-    sink_(std::string(line));
+    sink_(prefix_ + std::string(line));
     return;
   }
   std::fprintf(stderr, "qs-virtual-scanner: %s%.*s\n", prefix_.c_str(), static_cast<int>(line.size()), line.data());

@@ -14,8 +14,11 @@ class Log {
  public:
   using Sink = std::function<void(const std::string& line)>;
 
-  // Writes to stderr when sink is empty. The name, if any, stands before each line there.
+  // Writes to stderr when sink is empty. The name, if any, stands before each line.
   explicit Log(bool verbose, Sink sink = {}, std::string name = {});
+
+  // What one host does, as a part of the whole log, which has to outlive it.
+  Log(Log& whole, std::string name);
 
   void note(std::string_view line);    // always written
   void detail(std::string_view line);  // written with --verbose only
