@@ -151,10 +151,11 @@ TEST(ImageEnhance, HasNothingToDoWithAnEmptyStore) {
 TEST(ImageEnhance, PrintsNothing) {
   testing::internal::CaptureStderr();
   testing::internal::CaptureStdout();
-  for (const auto& [width, height] : {std::pair{1, 1}, {1, 400}, {400, 1}, {33, 65}, {150, 150}, {620, 420}}) {
+  for (const auto& [width, height] :
+       {std::pair{1, 1}, {1, 400}, {400, 1}, {33, 65}, {150, 150}, {620, 420}, {65535, 1}, {1, 65535}}) {
     for (const Ink paper : {kWhite, kBlack, Ink{200, 190, 170}}) {
       Sheet sheet(width, height, paper);
-      if (width > 300) {
+      if (std::min(width, height) > 300) {
         writeText(sheet, {40, 40, width - 80, height / 2});
         sheet.disc(100, 370, 36, {120, 120, 120});
       }
