@@ -5,13 +5,17 @@
 namespace qsscan {
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 std::atomic<int> requests{0};
 std::atomic<int> firstSignal{0};
-static_assert(std::atomic<int>::is_always_lock_free, "a signal handler sets them");
+std::atomic<Clock::rep> firstTime{0};
+static_assert(std::atomic<int>::is_always_lock_free && std::atomic<Clock::rep>::is_always_lock_free,
+              "a signal handler sets them");
 
 void countRequest(int signal) {
   int none = 0;
-  firstSignal.compare_exchange_strong(none, signal);
+  if (firstSignal.compare_exchange_strong(none, signal)) firstTime = Clock::now().time_since_epoch().count();
   requests.fetch_add(1);
 }
 
@@ -37,5 +41,9 @@ Interrupts::~Interrupts() {
 int Interrupts::count() const { return requests; }
 
 int Interrupts::signal() const { return firstSignal; }
+
+Clock::duration Interrupts::age() const {
+  return requests == 0 ? Clock::duration{0} : Clock::now().time_since_epoch() - Clock::duration(firstTime);
+}
 
 }  // namespace qsscan

@@ -3,6 +3,8 @@
 
 #include <signal.h>
 
+#include <chrono>
+
 namespace qsscan {
 
 // While one lives, SIGINT, SIGTERM and SIGHUP are counted instead of ending the program. One at a time.
@@ -16,6 +18,8 @@ class Interrupts {
   int count() const;
   // The first that came; 0 as long as none has.
   int signal() const;
+  // How long ago that was.
+  std::chrono::steady_clock::duration age() const;
 
  private:
   static constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};

@@ -23,8 +23,8 @@ using Clock = std::chrono::steady_clock;
 constexpr std::size_t kQueuePages = 4;
 constexpr std::size_t kQueueBytes = std::size_t{256} << 20;
 constexpr std::chrono::milliseconds kWriterPoll{50};
-// The fetching thread itself gives a silent device up before; a call of the library that waits for an answer cannot.
-constexpr std::chrono::milliseconds kStuckPatience = PageFetcher::kAbortPatience + std::chrono::milliseconds(500);
+// An interrupted scan is over by then, whatever the device, the library and slow files still have to do.
+constexpr std::chrono::milliseconds kStopTime = PageFetcher::kAbortPatience + std::chrono::milliseconds(500);
 
 // The writer's side of a scan: takes pages from the queue and puts them into files.
 class ScanWriter {
@@ -153,22 +153,18 @@ ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Capability& capab
   Page page;
   // Completes the files and ends the program, though the library may be deep in a call that waits for the device.
   const auto leaveAtOnce = [&] {
-    while (queue.pop(page, std::chrono::milliseconds(0)) == PageQueue::Pop::kPage) writer.write(std::move(page));
+    const bool leavesPagesOut = queue.pop(page, std::chrono::milliseconds(0)) == PageQueue::Pop::kPage;
     writer.finish(report);
     setInterrupted(report, interrupts.signal());
+    if (leavesPagesOut) report.sentence += " Not all pages that had come could be written in time.";
     leave(report, options);
     std::fflush(nullptr);
     std::_Exit(static_cast<int>(report.exit));
   };
-  Clock::time_point lastSign = Clock::now();  // the last page, or the moment before the interrupt
   for (PageQueue::Pop got; (got = queue.pop(page, kWriterPoll)) != PageQueue::Pop::kClosed;) {
     if (interrupts.count() > 0) fetcher.requestAbort();
     if (got == PageQueue::Pop::kPage && !writer.write(std::move(page))) fetcher.requestDiscard();
-    if (got == PageQueue::Pop::kPage || interrupts.count() == 0) lastSign = Clock::now();
-    if (interrupts.count() >= 2 || Clock::now() - lastSign >= kStuckPatience) {
-      fetcher.requestDiscard();
-      leaveAtOnce();
-    }
+    if (interrupts.count() > 1 || interrupts.age() >= kStopTime) leaveAtOnce();
   }
   fetching.join();
   // The library would still wait for the answer to its last command.

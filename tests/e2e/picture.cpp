@@ -1,7 +1,6 @@
 #include "picture.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 
 namespace e2e {
@@ -22,17 +21,6 @@ std::string difference(const Picture& expected, const Picture& actual) {
   return std::to_string(wrong) + " samples differ, the first in line " + std::to_string(line) + ", byte " +
          std::to_string(index % expected.lineBytes()) + ": " + std::to_string(*mine) + " expected, but it is " +
          std::to_string(*theirs);
-}
-
-double psnrDb(const Picture& a, const Picture& b) {
-  if (a.widthPx != b.widthPx || a.heightPx != b.heightPx || a.channels != b.channels || a.pixels.empty()) return 0;
-  double squares = 0;
-  for (std::size_t i = 0; i < a.pixels.size(); ++i) {
-    const double error = static_cast<double>(a.pixels[i]) - static_cast<double>(b.pixels[i]);
-    squares += error * error;
-  }
-  if (squares == 0) return 999;
-  return 10 * std::log10(255.0 * 255.0 * static_cast<double>(a.pixels.size()) / squares);
 }
 
 Picture turnedHalfway(const Picture& picture) {

@@ -33,8 +33,6 @@ struct Picture {
 
 // Empty when both have the same size and samples; else a sentence that names the first difference.
 std::string difference(const Picture& expected, const Picture& actual);
-// Peak signal-to-noise ratio in dB; 0 for pictures of different size, 999 for equal ones.
-double psnrDb(const Picture& a, const Picture& b);
 Picture turnedHalfway(const Picture& picture);
 Picture cutOut(const Picture& picture, int left, int top, int widthPx, int heightPx);
 // The same picture with one channel, where no pixel has a colour; else as it is.

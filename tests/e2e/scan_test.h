@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "likeness.h"
 #include "picture.h"
 #include "process.h"
 #include "temporary_folder.h"

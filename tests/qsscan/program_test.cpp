@@ -186,6 +186,23 @@ TEST(Program, ASecondCtrlCCompletesTheFilesAndLeavesAtOnce) {
   EXPECT_EQ(folder.content("a.pdf").substr(0, 5), "%PDF-");
 }
 
+TEST(Program, AnInterruptWaitsTwoSecondsForSlowFilesAndNoLonger) {
+  const TemporaryFolder folder;
+  Program program(folder, "pages=100 aftercancel=100 width=4000 height=4000 depth=24",
+                  {"scan", "-d", "host", "--batch", folder.file("p%d.png"), "--progress=json", "--json"});
+  while (folder.content("err").find("\"number\":1,") == std::string::npos) std::this_thread::sleep_for(5ms);
+  const auto start = std::chrono::steady_clock::now();
+  program.interrupt();
+  const auto finished = program.wait();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, 8s) << "all pages would take much longer";
+  EXPECT_EQ(finished.exitCode, 130);
+  const auto json = nlohmann::json::parse(finished.out);
+  EXPECT_EQ(json["reason"], "Interrupted. Not all pages that had come could be written in time.");
+  EXPECT_GE(json["pages"].size(), 1u);
+  EXPECT_LT(json["pages"].size(), 100u);
+  EXPECT_EQ(folder.names().size(), json["pages"].size());
+}
+
 TEST(Program, TheManualNamesEveryOptionAndEveryFormat) {
   const TemporaryFolder folder;
   const auto help = Program(folder, "", {"scan", "--help"}).wait();
