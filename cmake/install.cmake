@@ -5,6 +5,10 @@
 #   <libdir>/                 libQsScanCoreApi.so and .so.1, links into that folder
 #   <libdir>/cmake/QsScan/    find_package(QsScan): QsScan::CoreApi to link the core, QsScan::Headers to load it
 #   <libdir>/pkgconfig/       qsscan.pc
+#   <mandir>/man1/            qsscan.1, qs-virtual-scanner.1
+#   <datadir>/bash-completion/completions/qsscan
+#   <datadir>/qsscan/         the rules that let people use a USB scanner, to be filled in by the administrator
+#   <datadir>/doc/qsscan/     licence and manuals
 #   <includedir>/qsscan/      what a host includes; modules/ what the author of a module includes
 #
 # Nothing in it names the prefix, so that an installed copy may be moved as a whole.
@@ -32,7 +36,14 @@ foreach(link libQsScanCoreApi.so.1 libQsScanCoreApi.so)
   install(FILES ${QS_INSTALL_STAGE}/${link} DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endforeach()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/ DESTINATION ${QS_PRIVATE_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
-install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/qsscan)
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/docs/qsscan.md
+  ${PROJECT_SOURCE_DIR}/docs/virtual-scanner.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/qsscan)
+install(FILES ${CMAKE_BINARY_DIR}/share/man/man1/qsscan.1 ${CMAKE_BINARY_DIR}/share/man/man1/qs-virtual-scanner.1
+  DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES ${CMAKE_BINARY_DIR}/share/bash-completion/completions/qsscan
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+install(FILES ${PROJECT_SOURCE_DIR}/packaging/70-qsscan-usb.rules.template
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/qsscan)
 
 install(EXPORT QsScanTargets NAMESPACE QsScan:: DESTINATION ${QS_PACKAGE_DIR})
 configure_package_config_file(${PROJECT_SOURCE_DIR}/packaging/QsScanConfig.cmake.in

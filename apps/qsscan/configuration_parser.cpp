@@ -7,6 +7,7 @@
 #include "configuration.h"
 #include "device_name.h"
 #include "exit_codes.h"
+#include "printable.h"
 
 namespace qsscan {
 namespace {
@@ -17,7 +18,7 @@ class Parser {
     try {
       root_ = toml::parse(text, fileName);
     } catch (const toml::parse_error& error) {
-      refuse(error.source(), sentence(error.description()));
+      refuse(error.source(), "It is not understood: " + std::string(error.description()) + ".");
     }
   }
 
@@ -43,10 +44,6 @@ class Parser {
   }
 
  private:
-  static std::string sentence(std::string_view description) {
-    return "It is not understood: " + std::string(description) + ".";
-  }
-
   static std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
   Place place(const toml::source_region& source) const {
@@ -54,7 +51,7 @@ class Parser {
   }
 
   [[noreturn]] void refuse(const toml::source_region& source, const std::string& why) const {
-    throw CommandError(ExitCode::kConfiguration, place(source) + ": " + why);
+    throw CommandError(ExitCode::kConfiguration, printable(place(source) + ": " + why));
   }
 
   std::string text(const toml::key& key, const toml::node& node) const {

@@ -16,11 +16,11 @@ constexpr const char* kNotForValues[] = {"help", "preset", "config", "show", "on
   throw CommandError(ExitCode::kConfiguration, value.place + ": " + why);
 }
 
-const CLI::Option& findOption(const CLI::App& command, const OptionValue& value) {
+CLI::Option& findOption(CLI::App& command, const OptionValue& value) {
   const bool isMeant =
       std::find(std::begin(kNotForValues), std::end(kNotForValues), value.option) == std::end(kNotForValues);
   const std::string dashes = value.option.size() == 1 ? "-" : "--";
-  const CLI::Option* option = isMeant ? command.get_option_no_throw(dashes + value.option) : nullptr;
+  CLI::Option* option = isMeant ? command.get_option_no_throw(dashes + value.option) : nullptr;
   if (option == nullptr) {
     refuse(value, "\"" + value.option + "\" is no option of a scan. Write the long options that qsscan scan --help " +
                       "lists, without their dashes.");
@@ -57,9 +57,10 @@ void give(CLI::Option& option, const OptionValue& value) {
   const bool isFlag = value.value == "true" || value.value == "false";
   if (isSwitch && !isFlag) refuse(value, "\"" + value.option + "\" is true or false.");
   if (isFlag && !takesNothing) refuse(value, "\"" + value.option + "\" needs a value, not true or false.");
-  if (value.value == "false") return;
+  // What may stand without a value is so when it is on. Off is a value: it keeps others from switching it on.
+  const bool standsAlone = !isSwitch && value.value == "true";
   try {
-    option.add_result(isFlag && !isSwitch ? "" : value.value);
+    option.add_result(standsAlone ? "" : value.value);
     option.run_callback();
   } catch (const CLI::ParseError& error) {
     refuse(value, std::string(error.what()) + ".");
@@ -68,14 +69,14 @@ void give(CLI::Option& option, const OptionValue& value) {
 
 }  // namespace
 
-void checkOptionNames(const CLI::App& command, const std::vector<OptionValue>& values) {
+void checkOptionNames(CLI::App& command, const std::vector<OptionValue>& values) {
   for (const OptionValue& value : values) findOption(command, value);
 }
 
 void addOptionValues(CLI::App& command, const std::vector<OptionValue>& values) {
   const NamedOutput named = namedOutput(command);
   for (const OptionValue& value : values) {
-    CLI::Option& option = *command.get_option(findOption(command, value).get_name());
+    CLI::Option& option = findOption(command, value);
     if (option.count() == 0 && !isLeftOut(value.option, named)) give(option, value);
   }
 }

@@ -12,7 +12,7 @@ class App;
 namespace qsscan {
 
 // Throws CommandError (configuration) for an option that a scan does not have.
-void checkOptionNames(const CLI::App& command, const std::vector<OptionValue>& values);
+void checkOptionNames(CLI::App& command, const std::vector<OptionValue>& values);
 
 // Gives the values to those options of a parsed command that have none yet. Where a file has been named already, the
 // values name no other one, nor a format where the ending of that name tells it. Throws CommandError (configuration)

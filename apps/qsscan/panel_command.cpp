@@ -7,6 +7,7 @@
 #include "connect.h"
 #include "exit_codes.h"
 #include "panel_request.h"
+#include "remembered_devices.h"
 #include "results.h"
 #include "scan_command.h"
 
@@ -71,6 +72,7 @@ void tellButton(const PanelRecord& record, const PanelWish& wish, ProgressStyle 
 
 int runPanel(IScanCoreApi& core, const Options& options, const Complete& complete, TellEnd tellEnd) {
   const Capability capability = connect(core, options.device);
+  rememberDevice(options.device);
   if (options.onlyShows) {
     show(askPanel(core), options);
     return static_cast<int>(ExitCode::kDone);

@@ -234,7 +234,7 @@ void finishScanOptions(RawScanOptions& raw) {
   }
   if (raw.compression != "auto" && raw.compression != "lossless") refuse("The compression is auto or lossless.");
   options.writer.lossless = raw.compression == "lossless";
-  if (raw.progressOption->count() > 0) {
+  if (raw.progressOption->count() > 0 && raw.progress != "false") {
     if (!raw.progress.empty() && raw.progress != "json") refuse("Write --progress or --progress=json.");
     options.progress = raw.progress.empty() ? ProgressStyle::kText : ProgressStyle::kJson;
   }

@@ -105,6 +105,12 @@ Finished ScanTest::finish(Process& process, std::chrono::seconds patience) const
 
 Finished ScanTest::qsscan(const Arguments& arguments) const { return finish(*start(arguments)); }
 
+void ScanTest::writeText(const std::string& name, const std::string& text) const {
+  writeBytes(file(name), {text.begin(), text.end()});
+}
+
+std::string scannerProgram() { return QS_VIRTUAL_SCANNER; }
+
 std::string paperOf(int widthPx, int heightPx, int dpi) {
   char text[64];
   // Rounded up to the hundredths of a millimetre that a size is told in: a broken pixel is left out later.

@@ -71,15 +71,20 @@ class ScanTest : public ::testing::Test {
   Finished scan(const std::string& address, const Arguments& arguments) const {
     return finish(*startScan(address, arguments));
   }
+  // Starts qsscan with these arguments.
+  std::unique_ptr<Process> start(Arguments arguments) const;
   Finished qsscan(const Arguments& arguments) const;
+  void writeText(const std::string& name, const std::string& text) const;
 
   TemporaryFolder folder_;
 
  private:
-  std::unique_ptr<Process> start(Arguments arguments) const;
   mutable std::atomic<int> runs_{0};
   std::vector<std::unique_ptr<VirtualScanner>> scanners_;
 };
+
+// The path of qs-virtual-scanner.
+std::string scannerProgram();
 
 // A paper size in mm for --page-size that is that many pixels at the resolution.
 std::string paperOf(int widthPx, int heightPx, int dpi);

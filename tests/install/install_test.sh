@@ -9,6 +9,13 @@ build=$1 source=$2 libdir=$3 version=$4 cmake=$5 generator=$6 cxx=$7
 hosts=$source/tests/install/host
 warnings=(-std=c++20 -Wall -Wextra -Wconversion -Wpedantic -Wshadow -Werror)
 modules=(QsDeviceAccs.so QsScanDecode.so QsJpegDecode.so QsImageEnhance.so)
+documents=(./bin/qs-virtual-scanner ./bin/qsscan
+  ./share/bash-completion/completions/qsscan
+  ./share/doc/qsscan/LICENSE ./share/doc/qsscan/qsscan.md ./share/doc/qsscan/virtual-scanner.md
+  ./share/man/man1/qs-virtual-scanner.1 ./share/man/man1/qsscan.1
+  ./share/qs-virtual-scanner/profiles/classic.json ./share/qs-virtual-scanner/profiles/flatbed.json
+  ./share/qs-virtual-scanner/profiles/office.json
+  ./share/qsscan/70-qsscan-usb.rules.template)
 unset LD_LIBRARY_PATH QSSCAN_LIBRARY QSSCAN_DEVICE DESTDIR PKG_CONFIG_PATH
 export XDG_CONFIG_HOME=/dev/null/none XDG_STATE_HOME=/dev/null/none
 
@@ -38,7 +45,7 @@ expect() { # expect SENTENCE EXPECTED ACTUAL
   echo "ok: $1"
 }
 
-files_in() { (cd "$1" && find . ! -type d | sort); }
+files_in() { (cd "$1" && find . ! -type d | LC_ALL=C sort); }
 
 # What both hosts print when the core has found its module in the folder.
 told_from() { printf 'Initialize 0x0\nmodule %s\n' "$(realpath "$1")/$libdir/qsscan/QsDeviceAccs.so"; }
@@ -54,7 +61,11 @@ check_layout() { # check_layout PREFIX
     expect "$link leads to the core" "$(realpath "$private/$link")" "$(realpath "$prefix/$libdir/$link")"
   done
   quietly "the headers are those of include/" diff -r "$source/include" "$prefix/include/qsscan"
-  quietly "the licence is there" cmp "$source/LICENSE" "$prefix/share/doc/qsscan/LICENSE"
+  expect "programs, documents and data are all there, and nothing else" "$(printf '%s\n' "${documents[@]}")" \
+    "$(files_in "$prefix" | grep -v -e "^./$libdir/" -e '^./include/')"
+  quietly "the licence is the project's" cmp "$source/LICENSE" "$prefix/share/doc/qsscan/LICENSE"
+  quietly "the rules for USB are the template" cmp "$source/packaging/70-qsscan-usb.rules.template" \
+    "$prefix/share/qsscan/70-qsscan-usb.rules.template"
   for file in "$prefix"/bin/* "$private/libQsScanCoreApi.so" "${modules[@]/#/$private/}"; do
     readelf -d "$file" >"$work/dynamic"
     ! grep -E 'RPATH|RUNPATH' "$work/dynamic" || fail "$(basename "$file") names folders to load from"
@@ -115,6 +126,11 @@ check_programs() { # check_programs PREFIX
   quietly "the installed programs scan a page" \
     "$1/bin/qsscan" scan -d "$device" --mode gray --resolution 100 -o "$work/page.png"
   expect "it is a picture" $'\x89PNG' "$(head -c 4 "$work/page.png")"
+  mkdir -p "$1/etc/qsscan"
+  printf '[device.desk]\nname = "%s"\n' "$device" >"$1/etc/qsscan/qsscan.conf"
+  expect "the program reads the configuration of its own prefix" desk "$("$1/bin/qsscan" list --names --no-search)"
+  quietly "a configured name is a device" "$1/bin/qsscan" info -d desk
+  rm -r "$1/etc"
   kill "$scanner"
   wait "$scanner" 2>/dev/null || true
   scanner=
