@@ -115,8 +115,9 @@ OutputSet::OutputSet(OutputPlan plan, WriterOptions options) : plan_(std::move(p
 }
 
 void OutputSet::open(const std::string& path) {
-  options_.scratchDir = folderOf(path);
   file_ = std::make_unique<OutputFile>(path);
+  options_.scratchDir = folderOf(path);
+  options_.isOwnFile = file_->isOwn();
   writer_ = makeWriter(plan_.format, file_->stream(), options_);
   pagesInFile_ = 0;
 }
@@ -125,11 +126,14 @@ void OutputSet::close(const std::string& name) {
   // Taken out first: a file that fails here is not tried again.
   const auto file = std::move(file_);
   const auto writer = std::move(writer_);
-  const int pages = std::exchange(pagesInFile_, 0);
-  writer->finish();
-  file->commit();
-  keptPages_ += pages;
-  files_.push_back(name);
+  pagesInFile_ = 0;
+  const Finished finished = writer->finish();
+  if (finished.pages > 0) {
+    file->commit();
+    keptPages_ += finished.pages;
+    files_.push_back(name);
+  }
+  if (finished.failure) throw *finished.failure;
 }
 
 void OutputSet::addPage(const Page& page) {

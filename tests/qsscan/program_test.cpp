@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -122,6 +123,32 @@ TEST(Program, JsonTellsTheResultAndTheProgress) {
   const auto event = nlohmann::json::parse(finished.err.substr(0, finished.err.find('\n')));
   EXPECT_EQ(event["event"], "page");
   EXPECT_EQ(event["number"], 1);
+}
+
+TEST(Program, AFullDiskKeepsThePagesThatFittedAndCountsTheOthers) {
+  const TemporaryFolder folder;
+  for (const char* ending : {"pdf", "tif"}) {
+    SCOPED_TRACE(ending);
+    const std::string name = folder.file(std::string("a.") + ending);
+    rlimit before{};
+    ::getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit tight{9000, before.rlim_max};  // of 13 KB and more
+    ::setrlimit(RLIMIT_FSIZE, &tight);
+    Program program(folder, "pages=8 width=300 height=200",
+                    {"scan", "-d", "host", "-o", name, "--compression", "lossless", "--json"});
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    const Finished told = program.wait();
+    EXPECT_EQ(told.exitCode, 10) << told.err;
+    const auto json = nlohmann::json::parse(told.out);
+    const std::size_t kept = json["pages"].size();
+    EXPECT_GT(kept, 0u);
+    EXPECT_GE(json["lostPages"], 1);
+    EXPECT_LE(kept + json["lostPages"].get<std::size_t>(), 8u);
+    EXPECT_NE(told.err.find("kept in " + name), std::string::npos) << told.err;
+    EXPECT_NE(told.err.find("lost: scan"), std::string::npos) << told.err;
+    EXPECT_EQ(folder.names(), Names{std::string("a.") + ending});
+    std::filesystem::remove(name);
+  }
 }
 
 TEST(Program, FailuresBeforeTheScanAreJsonToo) {
