@@ -153,9 +153,9 @@ TEST(Program, AFullDiskKeepsThePagesThatFittedAndCountsTheOthers) {
 
 TEST(Program, FailuresBeforeTheScanAreJsonToo) {
   const TemporaryFolder folder;
-  const auto finished = Program(folder, "caps=40210012", {"info", "-d", "host", "--json"}).wait();
+  const auto finished = Program(folder, "caps=40210011", {"info", "-d", "host", "--json"}).wait();
   EXPECT_EQ(finished.exitCode, 2);
-  EXPECT_EQ(nlohmann::json::parse(finished.out)["result"], "0x40210012");
+  EXPECT_EQ(nlohmann::json::parse(finished.out)["result"], "0x40210011");
 }
 
 TEST(Program, InfoShowsTheDevice) {
@@ -181,6 +181,25 @@ TEST(Program, AUsbDeviceIsAskedLikeAnyOther) {
   const Finished finished = Program(folder, "", {"info", "-d", "usb:fff0:00a1"}).wait();
   EXPECT_EQ(finished.exitCode, 0) << finished.err;
   EXPECT_NE(finished.out.find("usb:fff0:00a1"), std::string::npos) << finished.out;
+}
+
+TEST(Program, ABusyUsbDeviceIsToldFromAnAbsentOne) {
+  const TemporaryFolder folder;
+  const struct {
+    const char* outcome;
+    int exitCode;
+    const char* partOfSentence;
+  } rows[] = {{"4050000B:0", 2, "plugged in"}, {"4050000C:10", 6, "another program"}, {"4050000D:d", 2, "You may not"}};
+  for (const auto& row : rows) {
+    ::setenv("QSSCAN_FAKE_OPEN", row.outcome, 1);
+    for (const std::string command : {"info", "scan"}) {
+      const auto told = Program(folder, "caps=40210012", {command, "-d", "usb:fff0:00a1", "--json"}).wait();
+      EXPECT_EQ(told.exitCode, row.exitCode) << told.err;
+      EXPECT_NE(told.err.find(row.partOfSentence), std::string::npos) << told.err;
+      EXPECT_EQ(nlohmann::json::parse(told.out)["result"], "0x40210012");
+    }
+  }
+  ::unsetenv("QSSCAN_FAKE_OPEN");
 }
 
 TEST(Program, CtrlCKeepsTheFinishedPages) {
