@@ -28,11 +28,12 @@ std::string dateName(Format format) {
   return std::string(text) + rowOf(format).ending;
 }
 
+std::string temporaryFolder() {
+  const char* folder = std::getenv("TMPDIR");
+  return folder != nullptr && *folder != '\0' ? folder : "/tmp";
+}
+
 std::string folderOf(const std::string& path) {
-  if (path == "-") {
-    const char* temporary = std::getenv("TMPDIR");
-    return temporary != nullptr && *temporary != '\0' ? temporary : "/tmp";
-  }
   const auto slash = path.rfind('/');
   if (slash == std::string::npos) return ".";
   return slash == 0 ? "/" : path.substr(0, slash);
@@ -116,7 +117,8 @@ OutputSet::OutputSet(OutputPlan plan, WriterOptions options) : plan_(std::move(p
 
 void OutputSet::open(const std::string& path) {
   file_ = std::make_unique<OutputFile>(path);
-  options_.scratchDir = folderOf(path);
+  // Beside a file of our own there is room for what will be written there; beside a device or a pipe there may be none.
+  options_.scratchDir = file_->isOwn() ? folderOf(path) : temporaryFolder();
   options_.isOwnFile = file_->isOwn();
   writer_ = makeWriter(plan_.format, file_->stream(), options_);
   pagesInFile_ = 0;

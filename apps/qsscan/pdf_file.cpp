@@ -64,7 +64,6 @@ void PdfFile::addEnd(int catalog, int information) {
 }
 
 bool PdfFile::flush() {
-  if (error_ == 0 && bytes_ > kLimitBytes) error_ = EFBIG;
   if (error_ == 0 && std::fflush(stream_) != 0) error_ = errno;
   return error_ == 0;
 }

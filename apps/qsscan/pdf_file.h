@@ -17,9 +17,6 @@ namespace qsscan {
 
 class PdfFile {
  public:
-  // Offsets have ten digits.
-  static constexpr std::uint64_t kLimitBytes = 9'999'999'999;
-
   // A place between two objects.
   struct Mark {
     std::uint64_t bytes;

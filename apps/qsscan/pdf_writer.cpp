@@ -1,6 +1,5 @@
 #include "pdf_writer.h"
 
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -41,8 +40,13 @@ int bitsPerComponent(const Page& page) { return page.bitsPerPixel == 1 ? 1 : 8; 
 
 }  // namespace
 
-PdfWriter::PdfWriter(std::FILE* stream, const WriterOptions& options)
-    : options_(options), spool_(options.scratchDir), file_(stream), catalog_(file_.reserve()), tree_(file_.reserve()) {}
+PdfWriter::PdfWriter(std::FILE* stream, const WriterOptions& options, std::uint64_t limitBytes)
+    : options_(options),
+      limitBytes_(limitBytes),
+      spool_(options.scratchDir),
+      file_(stream),
+      catalog_(file_.reserve()),
+      tree_(file_.reserve()) {}
 
 PdfWriter::Coding PdfWriter::spool(const Page& page) {
   spool_.clear();
@@ -66,7 +70,7 @@ void PdfWriter::addPage(const Page& page) {
   const PdfFile::Mark start = file_.mark();
   try {
     const int object = write(page);
-    if (!file_.flush()) throw failure();
+    if (!fits()) throw failure();
     pages_.push_back({object, start});
   } catch (...) {
     isBroken_ = !cutBackTo(start);
@@ -124,7 +128,7 @@ Finished PdfWriter::finish() {
   spool_.clear();
   while (!pages_.empty()) {
     addEnd();
-    if (file_.flush()) {
+    if (fits()) {
       finished.pages = static_cast<int>(pages_.size());
       break;
     }
@@ -149,9 +153,12 @@ void PdfWriter::addEnd() {
   file_.addEnd(catalog_, information);
 }
 
+bool PdfWriter::fits() { return file_.flush() && file_.mark().bytes <= limitBytes_; }
+
 CommandError PdfWriter::failure() const {
-  if (file_.error() == EFBIG && file_.mark().bytes > PdfFile::kLimitBytes) {
-    return {ExitCode::kCannotWrite, "A PDF holds 10 GB. Use --batch for one file per page."};
+  if (file_.error() == 0) {
+    return {ExitCode::kCannotWrite,
+            "The pages do not fit into one PDF, which holds 10 GB. Use --batch for one file per page."};
   }
   return {ExitCode::kCannotWrite, writeErrorText("The PDF", file_.error())};
 }

@@ -15,7 +15,10 @@ namespace qsscan {
 // page; what it takes of a disk that is full is enough for the end of the document.
 class PdfWriter : public DocumentWriter {
  public:
-  PdfWriter(std::FILE* stream, const WriterOptions& options);
+  // Offsets in a PDF have ten digits; limitBytes is how long it may become.
+  static constexpr std::uint64_t kLimitBytes = 9'999'999'999;
+
+  PdfWriter(std::FILE* stream, const WriterOptions& options, std::uint64_t limitBytes = kLimitBytes);
   void addPage(const Page& page) override;
   Finished finish() override;
 
@@ -32,9 +35,11 @@ class PdfWriter : public DocumentWriter {
   std::string colorSpace(const Page& page);
   void addEnd();
   bool cutBackTo(const PdfFile::Mark& mark);
+  bool fits();
   CommandError failure() const;
 
-  WriterOptions options_;
+  const WriterOptions options_;
+  const std::uint64_t limitBytes_;
   SpoolFile spool_;
   PdfFile file_;
   const int catalog_;

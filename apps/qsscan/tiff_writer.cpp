@@ -120,20 +120,15 @@ TiffWriter::TiffWriter(std::FILE* stream, const WriterOptions& options, std::uin
   TIFFSetErrorHandler(stayQuiet);
   TIFFSetWarningHandler(stayQuiet);
   if (!options.isOwnFile) spool_.emplace(options.scratchDir);
-  fd_ = ::dup(::fileno(spool_ ? spool_->stream() : stream_));
-  if (fd_ >= 0) tiff_ = TIFFFdOpen(fd_, "document.tif", "w");
-  if (tiff_ != nullptr) return;
-  const int error = errno;
-  if (fd_ >= 0) ::close(fd_);
-  throw CommandError(ExitCode::kCannotWrite, writeErrorText("The TIFF file", error));
+  fd_ = ::fileno(spool_ ? spool_->stream() : stream_);
+  errno = 0;
+  tiff_ = TIFFFdOpen(fd_, "document.tif", "w");
+  if (tiff_ == nullptr) throw CommandError(ExitCode::kCannotWrite, writeErrorText("The TIFF file", errno));
 }
 
-TiffWriter::~TiffWriter() {
-  abandon();
-  ::close(fd_);
-}
+TiffWriter::~TiffWriter() { abandon(); }
 
-// Lets go of the library's view of the file; what it has not written yet is lost. The descriptor stays.
+// Lets go of the library's view of the file; what it has not written yet is lost. The file stays open.
 void TiffWriter::abandon() {
   if (tiff_ != nullptr) TIFFCleanup(tiff_);
   tiff_ = nullptr;

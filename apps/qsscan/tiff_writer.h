@@ -33,7 +33,7 @@ class TiffWriter : public DocumentWriter {
   std::FILE* stream_;  // Not owned.
   const std::uint64_t limitBytes_;
   std::optional<SpoolFile> spool_;
-  int fd_ = -1;           // of the file that grows
+  int fd_ = -1;           // of the file that grows. Not owned.
   tiff* tiff_ = nullptr;  // a view of it
   int pages_ = 0;         // whole ones
 };

@@ -15,6 +15,7 @@
 
 #include "apps/qsscan/document_writer.h"
 #include "apps/qsscan/exit_codes.h"
+#include "apps/qsscan/pdf_writer.h"
 #include "made_page.h"
 #include "temporary_folder.h"
 
@@ -478,6 +479,33 @@ TEST(PdfWriter, OtherReadersFindNoFaultAndTheRightResolution) {
     EXPECT_EQ(dpiX, row.dpi);
     EXPECT_EQ(dpiY, row.dpi);
   }
+}
+
+TEST(PdfWriter, APageTooManyIsRefusedAndThePagesBeforeItStay) {
+  const TemporaryFolder folder;
+  WriterOptions options;
+  options.scratchDir = folder.file("");
+  options.isOwnFile = true;
+  options.lossless = true;
+  std::FILE* stream = std::fopen(folder.file("document").c_str(), "w+b");
+  {
+    PdfWriter writer(stream, options, 5000);
+    int pages = 0;
+    try {
+      for (; pages < 100; ++pages) writer.addPage(makePage(100, 100, 24));
+      FAIL() << "more than the limit was taken";
+    } catch (const CommandError& error) {
+      EXPECT_NE(std::string(error.what()).find("--batch"), std::string::npos) << error.what();
+    }
+    ASSERT_GT(pages, 1);
+    const int kept = writer.finish().pages;
+    EXPECT_LE(kept, pages);
+    EXPECT_GE(kept, pages - 1) << "the end of the document takes the room of one page at most";
+    std::fclose(stream);
+    QPDF pdf;
+    EXPECT_EQ(readPdf(pdf, folder.file("document")).size(), static_cast<std::size_t>(kept));
+  }
+  EXPECT_LE(folder.content("document").size(), 5000u);
 }
 
 TEST(PdfWriter, IntoAPipeIsTheSameDocument) {
