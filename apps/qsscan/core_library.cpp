@@ -53,6 +53,16 @@ CoreLibrary::CoreLibrary(const std::string& path) {
 
 CoreLibrary::~CoreLibrary() { ::dlclose(handle_); }
 
+std::string CoreLibrary::folder() const {
+  Dl_info info{};
+  char path[PATH_MAX];
+  const bool isKnown = ::dladdr(reinterpret_cast<void*>(createInstance_), &info) != 0 && info.dli_fname != nullptr &&
+                       ::realpath(info.dli_fname, path) != nullptr;
+  if (!isKnown) return ".";
+  const std::string text(path);
+  return text.substr(0, text.rfind('/'));
+}
+
 std::unique_ptr<orvalle_scan_api::IScanCoreApi> CoreLibrary::create() const {
   std::unique_ptr<orvalle_scan_api::IScanCoreApi> core(createInstance_());
   if (!core) throw CommandError(ExitCode::kInternal, "There is not enough memory for the scanning library.");

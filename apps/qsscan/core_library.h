@@ -21,6 +21,9 @@ class CoreLibrary {
   // A new instance, to be destroyed before this object. Throws CommandError.
   std::unique_ptr<orvalle_scan_api::IScanCoreApi> create() const;
 
+  // Where the library lies, links resolved, and its modules beside it.
+  std::string folder() const;
+
  private:
   void* handle_ = nullptr;
   orvalle_scan_api::IScanCoreApi* (*createInstance_)() = nullptr;

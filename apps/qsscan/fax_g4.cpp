@@ -2,15 +2,14 @@
 
 #include <tiffio.h>
 
-#include <cerrno>
 #include <cstring>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "exit_codes.h"
 #include "line_order.h"
-#include "output_file.h"
 
 namespace qsscan {
 namespace {
@@ -55,22 +54,13 @@ struct Closer {
   void operator()(TIFF* tiff) const { TIFFClose(tiff); }
 };
 
-// The coder takes a set bit for black, a page has it for white.
-std::vector<std::uint8_t> invertedLines(const Page& page) {
-  std::vector<std::uint8_t> lines(page.lineBytes * static_cast<std::size_t>(page.heightPx));
-  for (int y = 0; y < page.heightPx; ++y) {
-    copyInverted(page.line(y), page.lineBytes, lines.data() + static_cast<std::size_t>(y) * page.lineBytes);
-  }
-  return lines;
-}
-
 [[noreturn]] void fail(const Page& page) {
   throw CommandError(ExitCode::kCannotWrite, "Page " + std::to_string(page.number) + " cannot be coded as fax data.");
 }
 
 }  // namespace
 
-void writeFaxG4(const Page& page, std::FILE* stream) {
+std::vector<std::uint8_t> codeFaxG4(const Page& page) {
   MemoryFile memory;
   const std::unique_ptr<TIFF, Closer> tiff(
       TIFFClientOpen("page", "w", &memory, readBytes, writeBytes, seek, closeNothing, sizeOf, nullptr, nullptr));
@@ -84,15 +74,15 @@ void writeFaxG4(const Page& page, std::FILE* stream) {
   TIFFSetField(tiff.get(), TIFFTAG_FILLORDER, FILLORDER_MSB2LSB);
   TIFFSetField(tiff.get(), TIFFTAG_COMPRESSION, COMPRESSION_CCITTFAX4);
 
-  std::vector<std::uint8_t> lines = invertedLines(page);
+  std::vector<std::uint8_t> lines = invertedLines(page);  // the coder takes a set bit for black
   if (TIFFWriteEncodedStrip(tiff.get(), 0, lines.data(), static_cast<tmsize_t>(lines.size())) < 0) fail(page);
   if (TIFFFlushData(tiff.get()) != 1) fail(page);
   const auto offset = static_cast<std::size_t>(TIFFGetStrileOffset(tiff.get(), 0));
   const auto bytes = static_cast<std::size_t>(TIFFGetStrileByteCount(tiff.get(), 0));
   if (offset > memory.bytes.size() || bytes > memory.bytes.size() - offset) fail(page);
-  if (std::fwrite(memory.bytes.data() + offset, 1, bytes, stream) != bytes) {
-    throw CommandError(ExitCode::kCannotWrite, fileErrorText("temporary file", errno));
-  }
+  memory.bytes.erase(memory.bytes.begin(), memory.bytes.begin() + static_cast<std::ptrdiff_t>(offset));
+  memory.bytes.resize(bytes);
+  return std::move(memory.bytes);
 }
 
 }  // namespace qsscan

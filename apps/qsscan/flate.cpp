@@ -38,7 +38,7 @@ class Deflater {
       deflate(&z_, flush);
       const std::size_t n = out_.size() - z_.avail_out;
       if (std::fwrite(out_.data(), 1, n, stream_) != n) {
-        throw CommandError(ExitCode::kCannotWrite, fileErrorText("temporary file", errno));
+        throw CommandError(ExitCode::kCannotWrite, writeErrorText("A temporary file beside the output", errno));
       }
     } while (z_.avail_out == 0);
   }
@@ -76,6 +76,16 @@ void writeFlate(const Page& page, std::FILE* stream) {
     std::swap(line, above);
   }
   deflater.finish();
+}
+
+std::vector<std::uint8_t> deflated(const std::vector<std::uint8_t>& bytes) {
+  uLongf size = compressBound(bytes.size());
+  std::vector<std::uint8_t> out(size);
+  if (compress2(out.data(), &size, bytes.data(), bytes.size(), kLevel) != Z_OK) {
+    throw CommandError(ExitCode::kInternal, "There is not enough memory.");
+  }
+  out.resize(size);
+  return out;
 }
 
 }  // namespace qsscan

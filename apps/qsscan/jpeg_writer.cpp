@@ -86,8 +86,7 @@ void writeJpeg(const Page& page, int quality, std::FILE* stream, bool withProfil
   const IccProfile* profile = withProfile ? page.fittingProfile() : nullptr;
   ErrorManager manager{};
   if (compress(page, quality, stream, profile, widened.data(), &manager)) return;
-  throw CommandError(ExitCode::kCannotWrite,
-                     "Page " + std::to_string(page.number) + " cannot be written as JPEG: " + manager.message + ".");
+  throw pageFailure(page, "JPEG", stream, manager.message);
 }
 
 }  // namespace qsscan

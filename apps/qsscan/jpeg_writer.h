@@ -18,7 +18,7 @@ class JpegWriter : public DocumentWriter {
  public:
   JpegWriter(std::FILE* stream, int quality) : stream_(stream), quality_(quality) {}
   void addPage(const Page& page) override { writeJpeg(page, quality_, stream_); }
-  void finish() override {}
+  Finished finish() override { return {1, {}}; }
 
  private:
   std::FILE* stream_;  // Not owned.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "page.h"
 
@@ -19,6 +20,15 @@ inline void copyAsRgb(const std::uint8_t* from, int widthPx, std::uint8_t* to) {
 // One line of bits with black and white exchanged.
 inline void copyInverted(const std::uint8_t* from, std::size_t bytes, std::uint8_t* to) {
   for (std::size_t i = 0; i < bytes; ++i) to[i] = static_cast<std::uint8_t>(~from[i]);
+}
+
+// All lines of a black-and-white page, top line first, with a set bit for black.
+inline std::vector<std::uint8_t> invertedLines(const Page& page) {
+  std::vector<std::uint8_t> lines(page.lineBytes * static_cast<std::size_t>(page.heightPx));
+  for (int y = 0; y < page.heightPx; ++y) {
+    copyInverted(page.line(y), page.lineBytes, lines.data() + static_cast<std::size_t>(y) * page.lineBytes);
+  }
+  return lines;
 }
 
 // The line y from the top for a format that wants R,G,B and, where blackIsSet, a set bit for black. buffer has

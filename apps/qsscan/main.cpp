@@ -10,6 +10,7 @@
 #include "connect.h"
 #include "core_library.h"
 #include "list_command.h"
+#include "open_failure.h"
 #include "options.h"
 #include "panel_command.h"
 #include "remembered_devices.h"
@@ -38,15 +39,22 @@ int runInfo(orvalle_scan_api::IScanCoreApi& core, const Options& options) {
   return static_cast<int>(ExitCode::kDone);
 }
 
+int runWith(orvalle_scan_api::IScanCoreApi& core, const Options& options, const Complete& complete) {
+  if (options.command == Options::Command::kInfo) return runInfo(core, options);
+  if (options.command == Options::Command::kPanel) return runPanel(core, options, complete, tellEnd);
+  const ScanReport report = runScan(core, options, stderr, tellEnd);
+  tellEnd(report, options);
+  return static_cast<int>(report.exit);
+}
+
 int run(const Options& options, const Complete& complete) {
   if (options.command == Options::Command::kList) return runList(options);
   const CoreLibrary library(options.library);
-  const auto core = library.create();
-  if (options.command == Options::Command::kInfo) return runInfo(*core, options);
-  if (options.command == Options::Command::kPanel) return runPanel(*core, options, complete, tellEnd);
-  const ScanReport report = runScan(*core, options, stderr, tellEnd);
-  tellEnd(report, options);
-  return static_cast<int>(report.exit);
+  try {
+    return runWith(*library.create(), options, complete);
+  } catch (const CommandError& error) {
+    throw explained(error, library.folder(), options.device);
+  }
 }
 
 int fail(const CommandError& error, const std::optional<Options>& options) {

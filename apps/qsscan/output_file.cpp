@@ -1,6 +1,7 @@
 #include "output_file.h"
 
 #include <fcntl.h>
+#include <stdio_ext.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -13,6 +14,24 @@
 
 namespace qsscan {
 namespace {
+
+const char* advice(int error) {
+  switch (error) {
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+      return " Make room there or choose another place with -o, then scan the missing pages again.";
+    case EACCES:
+    case EPERM:
+    case EROFS:
+    case ENOENT:
+    case ENOTDIR:
+    case EISDIR:
+      return " Choose another place with -o.";
+    default:
+      return "";
+  }
+}
 
 [[noreturn]] void fail(const std::string& path, int error) {
   throw CommandError(ExitCode::kCannotWrite, fileErrorText(path, error));
@@ -29,8 +48,18 @@ std::string resolved(const std::string& path) {
 
 }  // namespace
 
-std::string fileErrorText(const std::string& path, int error) {
-  return "\"" + path + "\" cannot be written: " + std::strerror(error) + ".";
+std::string writeErrorText(const std::string& what, int error) {
+  return what + " cannot be written: " + std::strerror(error) + "." + advice(error);
+}
+
+std::string fileErrorText(const std::string& path, int error) { return writeErrorText("\"" + path + "\"", error); }
+
+bool cutStream(std::FILE* stream, std::uint64_t bytes) {
+  const auto end = static_cast<off_t>(bytes);
+  ::__fpurge(stream);
+  if (::ftruncate(::fileno(stream), end) != 0 || ::fseeko(stream, end, SEEK_SET) != 0) return false;
+  std::clearerr(stream);
+  return true;
 }
 
 OutputFile::OutputFile(const std::string& path) : path_(path) {
@@ -46,7 +75,7 @@ OutputFile::OutputFile(const std::string& path) : path_(path) {
   } else {
     path_ = resolved(path);
     partPath_ = path_ + ".part";
-    stream_ = std::fopen(partPath_.c_str(), "wbe");
+    stream_ = std::fopen(partPath_.c_str(), "w+be");
   }
   if (stream_ == nullptr) fail(path, errno);
 }

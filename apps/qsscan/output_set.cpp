@@ -28,11 +28,12 @@ std::string dateName(Format format) {
   return std::string(text) + rowOf(format).ending;
 }
 
+std::string temporaryFolder() {
+  const char* folder = std::getenv("TMPDIR");
+  return folder != nullptr && *folder != '\0' ? folder : "/tmp";
+}
+
 std::string folderOf(const std::string& path) {
-  if (path == "-") {
-    const char* temporary = std::getenv("TMPDIR");
-    return temporary != nullptr && *temporary != '\0' ? temporary : "/tmp";
-  }
   const auto slash = path.rfind('/');
   if (slash == std::string::npos) return ".";
   return slash == 0 ? "/" : path.substr(0, slash);
@@ -115,8 +116,10 @@ OutputSet::OutputSet(OutputPlan plan, WriterOptions options) : plan_(std::move(p
 }
 
 void OutputSet::open(const std::string& path) {
-  options_.scratchDir = folderOf(path);
   file_ = std::make_unique<OutputFile>(path);
+  // Beside a file of our own there is room for what will be written there; beside a device or a pipe there may be none.
+  options_.scratchDir = file_->isOwn() ? folderOf(path) : temporaryFolder();
+  options_.isOwnFile = file_->isOwn();
   writer_ = makeWriter(plan_.format, file_->stream(), options_);
   pagesInFile_ = 0;
 }
@@ -125,11 +128,14 @@ void OutputSet::close(const std::string& name) {
   // Taken out first: a file that fails here is not tried again.
   const auto file = std::move(file_);
   const auto writer = std::move(writer_);
-  const int pages = std::exchange(pagesInFile_, 0);
-  writer->finish();
-  file->commit();
-  keptPages_ += pages;
-  files_.push_back(name);
+  pagesInFile_ = 0;
+  const Finished finished = writer->finish();
+  if (finished.pages > 0) {
+    file->commit();
+    keptPages_ += finished.pages;
+    files_.push_back(name);
+  }
+  if (finished.failure) throw *finished.failure;
 }
 
 void OutputSet::addPage(const Page& page) {

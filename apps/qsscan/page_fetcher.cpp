@@ -128,6 +128,7 @@ void PageFetcher::queuePage(Page page) {
     }
     keepAborting();
   }
+  ++outcome_.droppedPages;
 }
 
 }  // namespace qsscan

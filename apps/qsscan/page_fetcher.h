@@ -21,6 +21,7 @@ struct FetchOutcome {
   End end = End::kFinished;
   orvalle_scan_api::QSRSLT result = 0;
   int pages = 0;                  // handed to the queue
+  int droppedPages = 0;           // came after requestDiscard()
   int blankPages = 0;             // reported as blank by the device and left out
   bool profileIsMissing = false;  // a colour profile was asked for, and none came that can be used
   bool isGivenUp = false;         // the device left the wish for an end unanswered

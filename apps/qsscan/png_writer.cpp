@@ -61,8 +61,7 @@ void PngWriter::addPage(const Page& page) {
   const bool written = info != nullptr && encode(png, info, page, stream_);
   png_destroy_write_struct(&png, &info);
   if (written) return;
-  throw CommandError(ExitCode::kCannotWrite,
-                     "Page " + std::to_string(page.number) + " cannot be written as PNG: " + error.message + ".");
+  throw pageFailure(page, "PNG", stream_, error.message);
 }
 
 }  // namespace qsscan

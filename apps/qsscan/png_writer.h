@@ -9,7 +9,7 @@ class PngWriter : public DocumentWriter {
  public:
   explicit PngWriter(std::FILE* stream) : stream_(stream) {}
   void addPage(const Page& page) override;
-  void finish() override {}
+  Finished finish() override { return {1, {}}; }
 
  private:
   std::FILE* stream_;  // Not owned.

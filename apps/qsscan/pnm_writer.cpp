@@ -19,7 +19,7 @@ void PnmWriter::addPage(const Page& page) {
     written = std::fwrite(line, 1, page.lineBytes, stream_) == page.lineBytes;
   }
   if (written) return;
-  throw CommandError(ExitCode::kCannotWrite, "Page " + std::to_string(page.number) + " cannot be written as PNM.");
+  throw pageFailure(page, "PNM", stream_, "unknown reason");
 }
 
 }  // namespace qsscan

@@ -10,7 +10,7 @@ class PnmWriter : public DocumentWriter {
  public:
   explicit PnmWriter(std::FILE* stream) : stream_(stream) {}
   void addPage(const Page& page) override;
-  void finish() override {}
+  Finished finish() override { return {1, {}}; }
 
  private:
   std::FILE* stream_;  // Not owned.

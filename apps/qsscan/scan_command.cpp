@@ -111,6 +111,7 @@ void setInterrupted(ScanReport& report, int signal) {
 void judge(ScanReport& report, const FetchOutcome& outcome, const ScanWriter& writer, int pageLimit, int signal) {
   report.blankPages = outcome.blankPages;
   report.profileIsMissing = outcome.profileIsMissing;
+  if (writer.failure()) report.lostPages = outcome.pages + outcome.droppedPages - static_cast<int>(report.pages.size());
   if (writer.failure()) return setEnd(report, writer.failure()->code(), writer.failure()->what());
   if (signal != 0) return setInterrupted(report, signal);
   if (pageLimit > 0 && outcome.pages >= pageLimit) return;

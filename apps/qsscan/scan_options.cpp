@@ -192,7 +192,7 @@ void setEdges(RawScanOptions& raw) {
 
 void setFeatureWishes(RawScanOptions& raw) {
   for (const RawScanOptions::Switch& row : raw.features) {
-    const bool isSwitchedOff = row.feature->takesLevel ? row.level == "false" : !row.option->as<bool>();
+    const bool isSwitchedOff = row.feature->takesValue() ? row.level == "false" : !row.option->as<bool>();
     if (row.option->count() == 0 || isSwitchedOff) continue;
     std::optional<int> level;
     if (!row.level.empty()) level = parseLevel(*row.feature, row.level);

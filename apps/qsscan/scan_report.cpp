@@ -54,6 +54,7 @@ Json reportJson(const ScanReport& report) {
               {"result", hexCode(report.result)},
               {"files", report.files},
               {"pages", pages},
+              {"lostPages", report.lostPages},
               {"blankPages", report.blankPages},
               {"seconds", roundedSeconds(report.seconds)}};
 }
@@ -85,6 +86,11 @@ std::string reportText(const ScanReport& report) {
     text += "qsscan: " + counted(report.pages.size(), "page") + " " + verb + " " + filesText(report.files) + ".\n";
   } else if (!report.sentence.empty()) {
     text += "qsscan: No page was kept.\n";
+  }
+  if (report.lostPages > 0) {
+    text += "qsscan: " + counted(static_cast<std::size_t>(report.lostPages), "page") +
+            (report.lostPages == 1 ? " that was scanned is lost: scan it again.\n"
+                                   : " that were scanned are lost: scan them again.\n");
   }
   return text;
 }

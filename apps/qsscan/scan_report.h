@@ -27,6 +27,7 @@ struct ScanReport {
   std::uint32_t result = 0;
   std::vector<PageReport> pages;  // in the files
   std::vector<std::string> files;
+  int lostPages = 0;  // came and could not be written
   int blankPages = 0;
   bool profileIsMissing = false;  // asked for, and not given
   double seconds = 0;

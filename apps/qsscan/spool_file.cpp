@@ -23,7 +23,7 @@ int openNameless(const std::string& folder) {
 }
 
 [[noreturn]] void fail(int error) {
-  throw CommandError(ExitCode::kCannotWrite, fileErrorText("temporary file", error));
+  throw CommandError(ExitCode::kCannotWrite, writeErrorText("A temporary file beside the output", error));
 }
 
 }  // namespace
@@ -37,6 +37,10 @@ SpoolFile::SpoolFile(const std::string& folder) {
     ::close(fd);
     fail(error);
   }
+}
+
+void SpoolFile::clear() {
+  if (!cutStream(stream_, 0)) fail(errno);
 }
 
 std::uint64_t SpoolFile::size() {

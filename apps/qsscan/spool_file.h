@@ -1,4 +1,4 @@
-// A nameless file for encoded pages, gone when it is closed, also after a crash.
+// A nameless file for coded pages, gone when it is closed, also after a crash.
 #pragma once
 
 #include <cstddef>
@@ -17,6 +17,9 @@ class SpoolFile {
   ~SpoolFile() { std::fclose(stream_); }
   SpoolFile(const SpoolFile&) = delete;
   SpoolFile& operator=(const SpoolFile&) = delete;
+
+  // Takes away what was written, also after a failure. Throws CommandError.
+  void clear();
 
   // Written only at its end.
   std::FILE* stream() const { return stream_; }

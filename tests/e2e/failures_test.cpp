@@ -80,8 +80,10 @@ TEST_F(Failures, ADeviceThatIsNotThereIsTold) {
     const VirtualScanner scanner(folder_, {});
     address = scanner.address();
   }
-  expectNothing(scan(address, toPdf()), 2, "The device cannot be reached.");
-  expectNothing(scan("unix:" + file("nobody.socket"), toPdf()), 2, "The device cannot be reached.");
+  expectNothing(scan(address, toPdf()), 2, "The device cannot be reached: nobody listens there.");
+  expectNothing(scan("unix:" + file("nobody.socket"), toPdf()), 2,
+                "The device cannot be reached: there is no such socket.");
+  expectNothing(scan("nobody.invalid", toPdf()), 2, "The device cannot be reached: its host name is unknown.");
 }
 
 TEST_F(Failures, ANameThatNoDeviceCanHaveIsTold) {

@@ -172,6 +172,22 @@ TEST_F(Settings, PagesAreTurnedByQuarters) {
   }
 }
 
+TEST_F(Settings, EdgesAreLeftOutWhereTheDeviceCan) {
+  const Picture drawn = drawText(kWidthPx, kHeightPx, kDpi, 9);
+  Arguments arguments = {"--reload", "--set", "compressType[2]=3", sheet("sheet.png", drawn)};
+  for (int i = 0; i < 8; ++i) {  // of the bed: each edge can be moved both ways
+    arguments.insert(arguments.end(), {"--set", "marginAdjust[" + std::to_string(i) + "]=300"});
+  }
+  VirtualScanner& scanner = startScanner(arguments);
+  // 150, 300 and 75 pixels.
+  const Picture page = scannedPng(scanner, {"--mode", "gray", "--edge-cut", "12.7,25.4,0,6.35"});
+  EXPECT_TRUE(scanner.wasTold("MRGN=-127,0,-254,-63")) << scanner.log();
+  EXPECT_EQ(difference(cutOut(drawn, 150, 300, kWidthPx - 150, page.heightPx), page), "");
+  EXPECT_NEAR(page.heightPx, kHeightPx - 300 - 75, 1);
+  const Picture all = scannedPng(scanner, {"--mode", "gray", "--edge-cut", "12.7"});
+  EXPECT_EQ(difference(cutOut(drawn, 150, 150, kWidthPx - 300, kHeightPx - 300), all), "");
+}
+
 TEST_F(Settings, ATintedBackgroundBecomesWhite) {
   Picture drawn = drawText(kWidthPx, kHeightPx, kDpi, 7);
   for (auto& sample : drawn.pixels) sample = static_cast<std::uint8_t>(std::min<int>(sample, 215));

@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -124,11 +125,37 @@ TEST(Program, JsonTellsTheResultAndTheProgress) {
   EXPECT_EQ(event["number"], 1);
 }
 
+TEST(Program, AFullDiskKeepsThePagesThatFittedAndCountsTheOthers) {
+  const TemporaryFolder folder;
+  for (const char* ending : {"pdf", "tif"}) {
+    SCOPED_TRACE(ending);
+    const std::string name = folder.file(std::string("a.") + ending);
+    rlimit before{};
+    ::getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit tight{9000, before.rlim_max};  // of 13 KB and more
+    ::setrlimit(RLIMIT_FSIZE, &tight);
+    Program program(folder, "pages=8 width=300 height=200",
+                    {"scan", "-d", "host", "-o", name, "--compression", "lossless", "--json"});
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    const Finished told = program.wait();
+    EXPECT_EQ(told.exitCode, 10) << told.err;
+    const auto json = nlohmann::json::parse(told.out);
+    const std::size_t kept = json["pages"].size();
+    EXPECT_GT(kept, 0u);
+    EXPECT_GE(json["lostPages"], 1);
+    EXPECT_LE(kept + json["lostPages"].get<std::size_t>(), 8u);
+    EXPECT_NE(told.err.find("kept in " + name), std::string::npos) << told.err;
+    EXPECT_NE(told.err.find("lost: scan"), std::string::npos) << told.err;
+    EXPECT_EQ(folder.names(), Names{std::string("a.") + ending});
+    std::filesystem::remove(name);
+  }
+}
+
 TEST(Program, FailuresBeforeTheScanAreJsonToo) {
   const TemporaryFolder folder;
-  const auto finished = Program(folder, "caps=40210012", {"info", "-d", "host", "--json"}).wait();
+  const auto finished = Program(folder, "caps=40210011", {"info", "-d", "host", "--json"}).wait();
   EXPECT_EQ(finished.exitCode, 2);
-  EXPECT_EQ(nlohmann::json::parse(finished.out)["result"], "0x40210012");
+  EXPECT_EQ(nlohmann::json::parse(finished.out)["result"], "0x40210011");
 }
 
 TEST(Program, InfoShowsTheDevice) {
@@ -154,6 +181,25 @@ TEST(Program, AUsbDeviceIsAskedLikeAnyOther) {
   const Finished finished = Program(folder, "", {"info", "-d", "usb:fff0:00a1"}).wait();
   EXPECT_EQ(finished.exitCode, 0) << finished.err;
   EXPECT_NE(finished.out.find("usb:fff0:00a1"), std::string::npos) << finished.out;
+}
+
+TEST(Program, ABusyUsbDeviceIsToldFromAnAbsentOne) {
+  const TemporaryFolder folder;
+  const struct {
+    const char* outcome;
+    int exitCode;
+    const char* partOfSentence;
+  } rows[] = {{"4050000B:0", 2, "plugged in"}, {"4050000C:10", 6, "another program"}, {"4050000D:d", 2, "You may not"}};
+  for (const auto& row : rows) {
+    ::setenv("QSSCAN_FAKE_OPEN", row.outcome, 1);
+    for (const std::string command : {"info", "scan"}) {
+      const auto told = Program(folder, "caps=40210012", {command, "-d", "usb:fff0:00a1", "--json"}).wait();
+      EXPECT_EQ(told.exitCode, row.exitCode) << told.err;
+      EXPECT_NE(told.err.find(row.partOfSentence), std::string::npos) << told.err;
+      EXPECT_EQ(nlohmann::json::parse(told.out)["result"], "0x40210012");
+    }
+  }
+  ::unsetenv("QSSCAN_FAKE_OPEN");
 }
 
 TEST(Program, CtrlCKeepsTheFinishedPages) {

@@ -159,6 +159,9 @@ TEST_F(ScanCommand, AWriteFailureEndsTheScanAndKeepsTheFilesBeforeIt) {
   EXPECT_EQ(report.exit, ExitCode::kCannotWrite);
   EXPECT_EQ(report.pages.size(), 1u);
   EXPECT_EQ(report.files, std::vector<std::string>{folder.file("p1.png")});
+  EXPECT_GE(report.lostPages, 1);
+  EXPECT_LT(report.lostPages, 49) << "the device was asked to stop";
+  EXPECT_NE(reportText(report).find("scanned"), std::string::npos);
 }
 
 TEST_F(ScanCommand, APageLimitIsNoInterruption) {

@@ -99,11 +99,49 @@ TEST(TiffWriter, HoldsEveryPageWithItsPixelsItsDepthAndItsResolution) {
     expectSame(pages[i], read[i]);
     EXPECT_EQ(read[i].bits, pages[i].bitsPerPixel == 1 ? 1 : 8);
     EXPECT_EQ(read[i].channels, pages[i].bitsPerPixel == 24 ? 3 : 1);
-    EXPECT_EQ(read[i].compression, pages[i].bitsPerPixel == 1 ? COMPRESSION_CCITTFAX4 : COMPRESSION_LZW);
+    EXPECT_EQ(read[i].compression == COMPRESSION_LZW, pages[i].bitsPerPixel != 1);
     EXPECT_EQ(read[i].unit, RESUNIT_INCH);
     EXPECT_EQ(std::lround(read[i].dpiX), pages[i].dpiX);
     EXPECT_EQ(std::lround(read[i].dpiY), pages[i].dpiY);
   }
+}
+
+TEST(TiffWriter, BlackAndWhiteIsFaxCodedUnlessThatGrows) {
+  const TemporaryFolder folder;
+  Page text = makePage(800, 600, 1);
+  for (std::size_t i = 0; i < text.pixels.size(); ++i) {
+    text.pixels[i] = i / text.lineBytes % 20 < 10 && i % 7 == 0 ? std::uint8_t{0x0F} : std::uint8_t{0xFF};
+  }
+  Page dithered = makePage(800, 600, 1);
+  for (std::size_t i = 0; i < dithered.pixels.size(); ++i) {
+    dithered.pixels[i] = i / dithered.lineBytes % 2 == 0 ? std::uint8_t{0x55} : std::uint8_t{0xAA};
+  }
+  const auto read = readTiff(write(folder, {text, dithered, text}));
+  ASSERT_EQ(read.size(), 3u);
+  EXPECT_EQ(read[0].compression, COMPRESSION_CCITTFAX4);
+  EXPECT_EQ(read[1].compression, COMPRESSION_ADOBE_DEFLATE);
+  EXPECT_EQ(read[2].compression, COMPRESSION_CCITTFAX4);
+  for (const ReadPage& page : read) EXPECT_EQ(page.photometric, PHOTOMETRIC_MINISWHITE);
+  expectSame(text, read[0]);
+  expectSame(dithered, read[1]);
+  expectSame(text, read[2]);
+  EXPECT_LT(folder.content("document.tif").size(), dithered.pixels.size() / 2);
+}
+
+TEST(TiffWriter, IsTheSameInAFileOfItsOwnAsThroughASpoolFile) {
+  const TemporaryFolder folder;
+  const std::vector<Page> pages = {makePage(37, 41, 24), makePage(203, 90, 1), makePage(50, 9, 8)};
+  write(folder, pages);
+  WriterOptions options;
+  options.isOwnFile = true;
+  std::FILE* stream = std::fopen(folder.file("own.tif").c_str(), "w+b");
+  {
+    TiffWriter writer(stream, options);
+    for (const Page& page : pages) writer.addPage(page);
+    EXPECT_EQ(writer.finish().pages, 3);
+  }
+  std::fclose(stream);
+  EXPECT_EQ(folder.content("own.tif"), folder.content("document.tif"));
 }
 
 TEST(TiffWriter, LeavesThePageAsItWas) {

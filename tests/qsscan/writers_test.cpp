@@ -9,11 +9,13 @@
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
 #include <qpdf/QPDFPageObjectHelper.hh>
+#include <sstream>
 // After <cstdio>, which it needs.
 #include <jpeglib.h>
 
 #include "apps/qsscan/document_writer.h"
 #include "apps/qsscan/exit_codes.h"
+#include "apps/qsscan/pdf_writer.h"
 #include "made_page.h"
 #include "temporary_folder.h"
 
@@ -242,12 +244,16 @@ TEST(Writers, AFullDiskIsASentenceInEachFormat) {
     ASSERT_NE(full, nullptr);
     std::setvbuf(full, nullptr, _IONBF, 0);
     const auto writer = makeWriter(format, full, options);
-    EXPECT_THROW(
-        {
-          writer->addPage(makePage(300, 300, 24));
-          writer->finish();
-        },
-        CommandError);
+    std::string sentence;
+    try {
+      writer->addPage(makePage(300, 300, 24));
+      const Finished finished = writer->finish();
+      EXPECT_EQ(finished.pages, 0);
+      if (finished.failure) sentence = finished.failure->what();
+    } catch (const CommandError& error) {
+      sentence = error.what();
+    }
+    EXPECT_NE(sentence.find("cannot be written: No space left on device. Make room"), std::string::npos) << sentence;
     std::fclose(full);
   }
 }
@@ -267,6 +273,7 @@ struct PdfPage {
 
 std::vector<PdfPage> readPdf(QPDF& pdf, const std::string& name) {
   pdf.setSuppressWarnings(true);
+  pdf.setAttemptRecovery(false);
   pdf.processFile(name.c_str());
   EXPECT_TRUE(pdf.getWarnings().empty());
   std::vector<PdfPage> pages;
@@ -429,6 +436,92 @@ TEST(PdfWriter, APageTooLongForJpegIsFlate) {
   QPDF pdf;
   auto pages = readPdf(pdf, write(folder, Format::kPdf, {makePage(1, 65501, 8)}));
   EXPECT_EQ(pages.at(0).filter, "/FlateDecode");
+}
+
+std::string outputOf(const std::string& command) {
+  std::string text;
+  std::FILE* pipe = ::popen((command + " 2>&1").c_str(), "r");
+  for (int c = 0; (c = std::fgetc(pipe)) != EOF;) text += static_cast<char>(c);
+  ::pclose(pipe);
+  return text;
+}
+
+// The programs that people check a PDF with, where they are installed.
+TEST(PdfWriter, OtherReadersFindNoFaultAndTheRightResolution) {
+  const TemporaryFolder folder;
+  Page text = makePage(800, 600, 1, 600);
+  std::memset(text.pixels.data(), 0xFF, text.pixels.size());
+  const std::string name = write(folder, Format::kPdf, {makePage(300, 200, 24, 300), text, makePage(100, 100, 8, 150)});
+  const std::string check = outputOf("qpdf --check '" + name + "'");
+  const std::string list = outputOf("pdfimages -list '" + name + "'");
+  if (check.find("not found") != std::string::npos || list.find("not found") != std::string::npos) {
+    GTEST_SKIP() << "qpdf or pdfimages is not installed.";
+  }
+  EXPECT_NE(check.find("No syntax or stream encoding errors found"), std::string::npos) << check;
+  EXPECT_EQ(check.find("WARNING"), std::string::npos) << check;
+  std::istringstream lines(list.substr(list.find("---")));
+  std::string line, page, number, type, width, height, color, channels, bits, coding, interpolated, object, id, dpiX,
+      dpiY;
+  std::getline(lines, line);
+  const struct {
+    const char *width, *color, *bits, *coding, *dpi;
+  } rows[] = {
+      {"300", "rgb", "8", "jpeg", "300"}, {"800", "gray", "1", "ccitt", "600"}, {"100", "gray", "8", "jpeg", "150"}};
+  for (const auto& row : rows) {
+    ASSERT_TRUE(std::getline(lines, line)) << list;
+    std::istringstream words(line);
+    words >> page >> number >> type >> width >> height >> color >> channels >> bits >> coding >> interpolated >>
+        object >> id >> dpiX >> dpiY;
+    EXPECT_EQ(width, row.width);
+    EXPECT_EQ(color, row.color);
+    EXPECT_EQ(bits, row.bits);
+    EXPECT_EQ(coding, row.coding);
+    EXPECT_EQ(dpiX, row.dpi);
+    EXPECT_EQ(dpiY, row.dpi);
+  }
+}
+
+TEST(PdfWriter, APageTooManyIsRefusedAndThePagesBeforeItStay) {
+  const TemporaryFolder folder;
+  WriterOptions options;
+  options.scratchDir = folder.file("");
+  options.isOwnFile = true;
+  options.lossless = true;
+  std::FILE* stream = std::fopen(folder.file("document").c_str(), "w+b");
+  {
+    PdfWriter writer(stream, options, 5000);
+    int pages = 0;
+    try {
+      for (; pages < 100; ++pages) writer.addPage(makePage(100, 100, 24));
+      FAIL() << "more than the limit was taken";
+    } catch (const CommandError& error) {
+      EXPECT_NE(std::string(error.what()).find("--batch"), std::string::npos) << error.what();
+    }
+    ASSERT_GT(pages, 1);
+    const int kept = writer.finish().pages;
+    EXPECT_LE(kept, pages);
+    EXPECT_GE(kept, pages - 1) << "the end of the document takes the room of one page at most";
+    std::fclose(stream);
+    QPDF pdf;
+    EXPECT_EQ(readPdf(pdf, folder.file("document")).size(), static_cast<std::size_t>(kept));
+  }
+  EXPECT_LE(folder.content("document").size(), 5000u);
+}
+
+TEST(PdfWriter, IntoAPipeIsTheSameDocument) {
+  const TemporaryFolder folder;
+  const std::vector<Page> pages = {makePage(37, 41, 24), makePage(203, 90, 1)};
+  WriterOptions options;
+  options.scratchDir = folder.file("");
+  std::FILE* pipe = ::popen(("cat > '" + folder.file("piped") + "'").c_str(), "w");
+  const auto writer = makeWriter(Format::kPdf, pipe, options);
+  for (const Page& page : pages) writer->addPage(page);
+  EXPECT_EQ(writer->finish().pages, 2);
+  ::pclose(pipe);
+  QPDF pdf;
+  const auto read = readPdf(pdf, folder.file("piped"));
+  ASSERT_EQ(read.size(), 2u);
+  EXPECT_EQ(read[1].widthPx, 203);
 }
 
 TEST(PdfWriter, LeavesNothingButTheDocument) {
