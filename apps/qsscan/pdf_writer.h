@@ -1,18 +1,16 @@
-// A PDF of scanned pages: each page one image at its true physical size.
+// A PDF of scanned pages, by qpdf: each page one image at its true physical size.
 #pragma once
 
-#include <map>
-#include <optional>
-#include <string>
+#include <memory>
 #include <vector>
 
 #include "document_writer.h"
-#include "pdf_file.h"
+#include "spool_file.h"
 
 namespace qsscan {
 
-// A page is coded into the spool file first and is in the document when addPage() returns. The spool file holds one
-// page; what it takes of a disk that is full is enough for the end of the document.
+// Coded pages wait in a spool file until finish(), so that memory does not grow with the document. Where the disk has
+// no room for the pages a second time, finish() gives back that of each page when it takes it from the spool file.
 class PdfWriter : public DocumentWriter {
  public:
   // Offsets in a PDF have ten digits; limitBytes is how long it may become.
@@ -22,31 +20,26 @@ class PdfWriter : public DocumentWriter {
   void addPage(const Page& page) override;
   Finished finish() override;
 
- private:
   enum class Coding { kJpeg, kFlate, kFaxG4 };
-  struct WrittenPage {
-    int object;
-    PdfFile::Mark start;
+  struct SpooledPage {
+    std::uint64_t offset;
+    std::uint64_t bytes;
+    Coding coding;
+    int widthPx, heightPx, bitsPerPixel;
+    int dpiX, dpiY;
+    std::shared_ptr<const IccProfile> profile;  // null for none
   };
 
-  int write(const Page& page);  // its object
-  Coding spool(const Page& page);
-  int addImage(const Page& page);
-  std::string colorSpace(const Page& page);
-  void addEnd();
-  bool cutBackTo(const PdfFile::Mark& mark);
-  bool fits();
-  CommandError failure() const;
+ private:
+  SpooledPage spool(const Page& page);
+  int writeDocument(bool freesPages);  // 0, or why as errno tells; throws CommandError for other reasons
 
+  std::FILE* stream_;  // Not owned.
   const WriterOptions options_;
   const std::uint64_t limitBytes_;
   SpoolFile spool_;
-  PdfFile file_;
-  const int catalog_;
-  const int tree_;                                             // of the pages
-  std::map<std::shared_ptr<const IccProfile>, int> profiles_;  // each is written once
-  std::vector<WrittenPage> pages_;
-  bool isBroken_ = false;  // ends with a part of a page
+  SpoolFile reserve_;  // room for what a document is beside its pages
+  std::vector<SpooledPage> pages_;
 };
 
 }  // namespace qsscan

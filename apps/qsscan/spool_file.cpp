@@ -39,8 +39,18 @@ SpoolFile::SpoolFile(const std::string& folder) {
   }
 }
 
-void SpoolFile::clear() {
-  if (!cutStream(stream_, 0)) fail(errno);
+void SpoolFile::cut(std::uint64_t bytes) {
+  if (!cutStream(stream_, bytes)) fail(errno);
+}
+
+void SpoolFile::giveBack(std::uint64_t bytes) {
+  ::fallocate(::fileno(stream_), FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(bytes));
+}
+
+void SpoolFile::grow(std::size_t bytes) {
+  const std::string zeros(bytes, '\0');
+  std::fwrite(zeros.data(), 1, bytes, stream_);
+  std::fflush(stream_);
 }
 
 std::uint64_t SpoolFile::size() {

@@ -18,8 +18,14 @@ class SpoolFile {
   SpoolFile(const SpoolFile&) = delete;
   SpoolFile& operator=(const SpoolFile&) = delete;
 
-  // Takes away what was written, also after a failure. Throws CommandError.
-  void clear();
+  // Takes away what was written behind these bytes, also after a failure. Throws CommandError.
+  void cut(std::uint64_t bytes);
+
+  // Gives the room of the first bytes back to the disk, where its file system can do so; they are not read again.
+  void giveBack(std::uint64_t bytes);
+
+  // Takes more room, as far as there is some.
+  void grow(std::size_t bytes);
 
   // Written only at its end.
   std::FILE* stream() const { return stream_; }
