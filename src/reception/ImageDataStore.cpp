@@ -14,6 +14,7 @@
 #include "image/JpegImage.h"
 #include "image/ScanDecType.h"
 #include "image/bmp_lines.h"
+#include "image/stream_copy.h"
 
 namespace orvalle_scan_api {
 namespace {
@@ -118,8 +119,9 @@ QSRSLT CImageDataStore::WriteBmpUpsideDown(const unsigned char* data, unsigned i
   const std::size_t linesAt = lines.count > 0 ? lines.offset : size;
   std::memcpy(room + headBytes, data + headBytes, linesAt - headBytes);
   for (std::size_t i = 0; i < lines.count; ++i) {
-    std::memcpy(lines.line(i), data + linesAt + (lines.count - 1 - i) * lines.lineBytes, lines.lineBytes);
+    streamCopy(lines.line(i), data + linesAt + (lines.count - 1 - i) * lines.lineBytes, lines.lineBytes);
   }
+  streamCopyDone();
   const std::size_t restAt = linesAt + lines.count * lines.lineBytes;
   std::memcpy(room + restAt, data + restAt, size - restAt);
   TakeFilled(size);
