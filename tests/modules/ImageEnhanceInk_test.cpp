@@ -216,6 +216,7 @@ TEST(ImageEnhanceInk, KeepsDotsThatBelongTogether) {
   drawDots(clean);
   Sheet before = clean;
   for (int i = 0; i < 12; ++i) before.fill({220 + i * 37, 120 + i * 41 % 120, 1 + i % 4, 1 + i % 3}, kBlack);
+  leavePicture("noise-dots", before, enhance(before, noiseOf(200)).sheet, before.whole(), 0.5F);
   for (const std::int32_t side : kNoiseSides) {
     if (side < 120) continue;  // of the smaller ones, some specks are too large
     EXPECT_EQ(enhance(before, noiseOf(side)).sheet, clean) << side;
@@ -295,7 +296,9 @@ TEST(ImageEnhanceInk, LeavesPicturesAndWhiteLettersAlone) {
   before.fill({40, 520, 820, 4}, kBlack);
   for (const bool isMono : {false, true}) {
     const auto page = [&](const Sheet& sheet) { return isMono ? toMono(sheet) : sheet; };
-    EXPECT_EQ(countDifferent(enhance(page(before), linesOf(true, true)).sheet, page(wanted), before.whole()), 0);
+    const Sheet after = enhance(page(before), linesOf(true, true)).sheet;
+    EXPECT_EQ(countDifferent(after, page(wanted), before.whole()), 0);
+    if (!isMono) leavePicture("lines-picture", before, after, before.whole(), 0.4F);
   }
 }
 
