@@ -211,6 +211,16 @@ void drawDots(Sheet& sheet) {
   }
 }
 
+// Where dust lies as thick as this, many specks have others near them by chance.
+TEST(ImageEnhanceInk, RemovesThickDust) {
+  Sheet before(900, 400);
+  std::minstd_rand random(11);
+  const auto next = [&](int below) { return static_cast<int>(random() >> 4) % below; };
+  for (int i = 0; i < 900 * 400 / 100; ++i) before.set(next(900), next(400), kBlack);
+  const Sheet after = enhance(before, noiseOf(120)).sheet;
+  EXPECT_LT(countDark(after, after.whole()), countDark(before, before.whole()) / 10);
+}
+
 TEST(ImageEnhanceInk, KeepsDotsThatBelongTogether) {
   Sheet clean(700, 260);
   drawDots(clean);
