@@ -111,6 +111,14 @@ Between between(int px, int tilePx, int tiles) {
   return {first, at - static_cast<float>(first)};
 }
 
+// Values of one line between the middles of two tiles, in whose gains they have these shares.
+void raise(std::uint8_t* __restrict line, const float* __restrict shares, int count, float left, float right) {
+  for (int x = 0; x < count; ++x) {
+    const float white = static_cast<float>(line[x]) * (left + (right - left) * shares[x]);
+    line[x] = static_cast<std::uint8_t>(std::min(white, 255.0F));
+  }
+}
+
 }  // namespace
 
 void whitenPaper(Page& gray, int tileX, int tileY, int neighbours) {
@@ -122,8 +130,13 @@ void whitenPaper(Page& gray, int tileX, int tileY, int neighbours) {
   average(map, std::clamp(neighbours, 0, 8));
   for (float& level : map.levels) level = 255 / std::max(level, 16.0F);  // a gain from here on
 
-  std::vector<Between> columns(static_cast<std::size_t>(gray.widthPx));
-  for (int x = 0; x < gray.widthPx; ++x) columns[static_cast<std::size_t>(x)] = between(x, tileX, map.columns);
+  std::vector<float> shares(static_cast<std::size_t>(gray.widthPx));
+  std::vector<int> ends(static_cast<std::size_t>(map.columns));  // of the pixels that lie right of each tile's middle
+  for (int x = 0; x < gray.widthPx; ++x) {
+    const auto [first, share] = between(x, tileX, map.columns);
+    shares[static_cast<std::size_t>(x)] = share;
+    ends[static_cast<std::size_t>(first)] = x + 1;
+  }
   std::vector<float> gains(static_cast<std::size_t>(map.columns) + 1);
   for (int y = 0; y < gray.heightPx; ++y) {
     const Between row = between(y, tileY, map.rows);
@@ -134,12 +147,10 @@ void whitenPaper(Page& gray, int tileX, int tileY, int neighbours) {
     }
     gains.back() = gains[gains.size() - 2];  // a map of one column
     std::uint8_t* const line = gray.line(y);
-    for (int x = 0; x < gray.widthPx; ++x) {
-      const Between& column = columns[static_cast<std::size_t>(x)];
-      const float left = gains[static_cast<std::size_t>(column.first)];
-      const float right = gains[static_cast<std::size_t>(column.first) + 1];
-      const float white = static_cast<float>(line[x]) * (left + (right - left) * column.share);
-      line[x] = static_cast<std::uint8_t>(std::min(white, 255.0F));
+    int x = 0;
+    for (std::size_t column = 0; column < ends.size() && x < gray.widthPx; ++column) {
+      raise(line + x, &shares[static_cast<std::size_t>(x)], ends[column] - x, gains[column], gains[column + 1]);
+      x = ends[column];
     }
   }
 }

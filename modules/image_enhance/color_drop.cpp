@@ -55,11 +55,12 @@ int inkShare(const Hue& hue) {
   return hue.chroma >= 2 * least ? 256 : 256 * (hue.chroma - least) / least;
 }
 
-// How bright the dropped inks are in their strongest channel, by hue: dark blue and pale pink are both an ink that has
-// the paper's place, and half as bright as its ink is a pixel that black text covers half.
+// How bright the dropped inks are, by hue: dark blue and pale pink are both an ink that has the paper's place, and half
+// as bright as its ink is a pixel that black text covers half. The brightness of the eye, which JPEG keeps for every
+// pixel; the colour of a stamp it smears over the letters beneath.
 class InkLevels {
  public:
-  void count(const Hue& hue) { ++counts_[sectorOf(hue)][static_cast<std::size_t>(hue.brightest)]; }
+  void count(const Hue& hue, std::uint8_t level) { ++counts_[sectorOf(hue)][level]; }
   void finish() {
     constexpr std::uint32_t kLeastPixels = 100 / kMeasuredLines;  // fewer are stray fringes
     constexpr std::size_t kSectors = std::tuple_size_v<decltype(counts_)>;
@@ -132,13 +133,13 @@ void forEachDropped(Page& page, const Wanted& wanted, int lineStep, Visit visit)
 
 bool dropHue(Page& page, const Wanted& wanted, const Color& paper) {
   InkLevels levels;
-  forEachDropped(page, wanted, kMeasuredLines, [&](std::uint8_t*, const Hue& hue) {
-    if (inkShare(hue) == 256) levels.count(hue);
+  forEachDropped(page, wanted, kMeasuredLines, [&](const std::uint8_t* pixel, const Hue& hue) {
+    if (inkShare(hue) == 256) levels.count(hue, luma(pixel));
   });
   levels.finish();
   bool hasChanged = false;
   forEachDropped(page, wanted, 1, [&](std::uint8_t* pixel, const Hue& hue) {
-    mix(pixel, paper, std::min(256, 256 * hue.brightest / levels.of(hue)), inkShare(hue));
+    mix(pixel, paper, std::min(256, 256 * luma(pixel) / levels.of(hue)), inkShare(hue));
     hasChanged = true;
   });
   return hasChanged;

@@ -11,9 +11,10 @@ namespace {
 using orvalle_scan_api::IE_PUNCHHOLE;
 
 constexpr double kLargestMm = 10;
-constexpr double kRimMm = 0.5;         // the shadow around a hole
-constexpr int kLevelsBelowPaper = 64;  // a hole without a tape behind it is at least so much darker
-constexpr double kMostUneven = 0.08;   // of its box in which a hole may differ from a disc
+constexpr double kRimMm = 0.7;        // the shadow around a hole
+constexpr double kGrainMm = 0.25;     // of one shade in spite of a pixel of another
+constexpr int kPercentOfPaper = 60;   // as bright is a hole at most that has no tape behind it; its shadow is brighter
+constexpr double kMostUneven = 0.08;  // of its box in which a hole may differ from a disc
 
 struct Zone {
   int left, top, right, bottom;
@@ -35,11 +36,19 @@ int levelAt(const Page& page, int x, int y) {
 // What could be seen through a hole: the colour tape behind the paper, or darkness.
 PixPtr spots(const Page& page, const IE_PUNCHHOLE& hole) {
   if (page.isMono()) return inkBelow(page, 0);
-  if (hole.hasColorTape == 0) return inkBelow(page, paperLevel(histogramOf(page)) - kLevelsBelowPaper);
+  if (hole.hasColorTape == 0) return inkBelow(page, paperLevel(histogramOf(page)) * kPercentOfPaper / 100);
   PixPtr spots = inkBelow(page, static_cast<int>(std::min<std::int64_t>(std::int64_t{hole.grayHigh} + 1, 256)));
   const PixPtr darker = inkBelow(page, std::max(hole.grayLow, 0));
   pixSubtract(spots.get(), spots.get(), darker.get());
   return spots;
+}
+
+// Spots of less than a width go: letters and rules that a hole was punched through, and that would be a part of it.
+PixPtr withoutStrokes(const PixPtr& spots, const Page& page, double widthMm) {
+  const auto px = [&](double mm, Along along) { return std::max(1, page.pxOfMm(mm, along)); };
+  const PixPtr even =
+      owned(pixCloseSafeBrick(nullptr, spots.get(), px(kGrainMm, Along::Width), px(kGrainMm, Along::Height)));
+  return owned(pixOpenBrick(nullptr, even.get(), px(widthMm, Along::Width), px(widthMm, Along::Height)));
 }
 
 // Whether the inner part of a spot is of one shade, so that a round picture is not taken for a hole.
@@ -83,7 +92,8 @@ bool removePunchHoles(Page& page, const Request& request) {
   const IE_PUNCHHOLE& hole = request.param.punchHole;
   const Zone inside = insideOf(page, hole);
   const int leastMm = std::clamp(hole.areaLimit, 1, 9);
-  const PixPtr large = owned(pixSelectBySize(spots(page, hole).get(), std::max(4, page.pxOfMm(leastMm, Along::Width)),
+  const PixPtr cleared = withoutStrokes(spots(page, hole), page, leastMm / 4.0);
+  const PixPtr large = owned(pixSelectBySize(cleared.get(), std::max(4, page.pxOfMm(leastMm, Along::Width)),
                                              std::max(4, page.pxOfMm(leastMm, Along::Height)), 8, L_SELECT_IF_BOTH,
                                              L_SELECT_IF_GTE, nullptr));
   const int widest = page.pxOfMm(kLargestMm, Along::Width);

@@ -64,6 +64,7 @@ PixPtr darkAreas(const PixPtr& ink, const Page& page) {
   int factor = 1;
   while (std::max(page.dpi(Along::Width), page.dpi(Along::Height)) / factor > kCoarseDpi &&
          std::min(pixGetWidth(coarse.get()), pixGetHeight(coarse.get())) >= kSmallestSidePx) {
+    // Any ink of four pixels counts at first, which closes screens; then half of it.
     coarse = owned(pixReduceRankBinaryCascade(coarse.get(), factor == 1 ? 1 : 2, 0, 0, 0));
     factor *= 2;
   }

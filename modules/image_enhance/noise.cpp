@@ -8,7 +8,7 @@ namespace image_enhance {
 namespace {
 
 constexpr int kFaintest = 40;          // levels below the paper from which something counts as a speck
-constexpr double kTogetherMm = 0.5;    // the clear paper between dots of one screen or letter at most
+constexpr double kTogetherMm = 0.25;   // the clear paper between dots of one screen or letter at most
 constexpr double kLeaderStepMm = 3;    // from one dot of a leader to the next at most
 constexpr double kUnevennessMm = 0.1;  // of the dots of a leader at most
 
@@ -34,13 +34,13 @@ bool removeNoise(Page& page, const Request& request) {
       owned(pixSelectBySize(ink.get(), scaled(width, base, page, Along::Width),
                             scaled(height, base, page, Along::Height), 8, L_SELECT_IF_BOTH, L_SELECT_IF_LTE, nullptr));
   const PixPtr larger = owned(pixSubtract(nullptr, ink.get(), small.get()));
+  pixOr(larger.get(), larger.get(), specksInCompany(*small, reachOn(page)).get());
   const PixPtr besideLarger =
       owned(pixDilateBrick(nullptr, larger.get(), 2 * scaled(clear, base, page, Along::Width) + 1,
                            2 * scaled(clear, base, page, Along::Height) + 1));
   pixAnd(besideLarger.get(), besideLarger.get(), small.get());
   const PixPtr dotsOfLetters = owned(pixSeedfillBinary(nullptr, besideLarger.get(), small.get(), 8));
   PixPtr specks = owned(pixSubtract(nullptr, small.get(), dotsOfLetters.get()));
-  pixSubtract(specks.get(), specks.get(), specksInCompany(*specks, reachOn(page)).get());
   // The rim that is too pale to count.
   if (!page.isMono()) specks = owned(pixDilateBrick(nullptr, specks.get(), 5, 5));
   return paintFromAround(page, *specks, 64);

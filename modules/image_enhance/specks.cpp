@@ -2,13 +2,17 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <new>
 #include <numeric>
 #include <vector>
 
 namespace image_enhance {
 namespace {
 
-constexpr std::uint32_t kLeastSpecks = 5;  // fewer together are still dust
+// Fewer together are still dust, which lies close by chance more often than in even steps.
+constexpr std::uint32_t kLeastClose = 8;
+constexpr std::uint32_t kLeastInRow = 5;
+constexpr std::size_t kMostCells = std::size_t{1} << 28;
 constexpr int kNone = -1;
 
 struct Speck {
@@ -37,7 +41,7 @@ class Groups {
     while (parent(member) != member) member = parent(member) = parent(parent(member));
     return member;
   }
-  std::uint32_t& size(int group) { return sizes_[static_cast<std::size_t>(group)]; }
+  std::uint32_t sizeAround(int member) { return size(of(member)); }
   void join(int a, int b) {
     a = of(a);
     b = of(b);
@@ -48,6 +52,7 @@ class Groups {
   }
 
  private:
+  std::uint32_t& size(int group) { return sizes_[static_cast<std::size_t>(group)]; }
   int& parent(int member) { return parents_[static_cast<std::size_t>(member)]; }
 
   std::vector<int> parents_;
@@ -62,8 +67,10 @@ class Cells {
         cellY_(reach.gapY),
         columns_(pixGetWidth(const_cast<Pix*>(&pix)) / cellX_ + 1),
         rows_(pixGetHeight(const_cast<Pix*>(&pix)) / cellY_ + 1),
-        first_(static_cast<std::size_t>(columns_) * static_cast<std::size_t>(rows_), kNone),
         next_(specks.size(), kNone) {
+    const std::size_t count = static_cast<std::size_t>(columns_) * static_cast<std::size_t>(rows_);
+    if (count > kMostCells) throw std::bad_alloc();
+    first_.assign(count, kNone);
     for (std::size_t i = 0; i < specks.size(); ++i) {
       int& first = first_[cellOf(specks[i].x / cellX_, specks[i].y / cellY_)];
       next_[i] = first;
@@ -145,14 +152,16 @@ void joinRows(const std::vector<Speck>& specks, const Cells& cells, const SpeckR
 
 PixPtr specksInCompany(Pix& pix, const SpeckReach& reach) {
   const std::vector<Speck> specks = specksOf(pix);
-  Groups groups(specks.size());
   const Cells cells(specks, pix, reach);
-  joinClose(specks, cells, reach, groups);
-  joinRows(specks, cells, reach, groups);
+  Groups close(specks.size());
+  joinClose(specks, cells, reach, close);
+  Groups rows(specks.size());
+  joinRows(specks, cells, reach, rows);
   // A box may hold a part of another speck as well, which is together with this one then.
   const PixPtr seeds = owned(pixCreate(pixGetWidth(&pix), pixGetHeight(&pix), 1));
   for (std::size_t i = 0; i < specks.size(); ++i) {
-    if (groups.size(groups.of(static_cast<int>(i))) < kLeastSpecks) continue;
+    const int member = static_cast<int>(i);
+    if (close.sizeAround(member) < kLeastClose && rows.sizeAround(member) < kLeastInRow) continue;
     const Speck& speck = specks[i];
     pixRasterop(seeds.get(), speck.x, speck.y, speck.width, speck.height, PIX_SET, nullptr, 0, 0);
   }

@@ -97,6 +97,30 @@ TEST_P(Enhancement, PagesAreTurnedUpright) {
   EXPECT_LT(psnrDb(letter, scanned(scanner, oneGreyPage, "a4")), 20);
 }
 
+// A part of a letter that lies on its side comes out as wide as it was high.
+TEST_P(Enhancement, PagesOnTheirSideChangeTheirFormat) {
+  VirtualScanner& upright = startWith({QS_EXAMPLES "/letter.pdf"});
+  Picture letter = scanned(upright, {"--mode", "gray", "--resolution", "200", "--pages", "1"}, "a4");
+  letter.heightPx = 1100;
+  letter.pixels.resize(letter.size());
+  Picture onItsSide(letter.heightPx, letter.widthPx, 1, 200);
+  for (int y = 0; y < letter.heightPx; ++y) {
+    for (int x = 0; x < letter.widthPx; ++x) *onItsSide.at(letter.heightPx - 1 - y, x) = *letter.at(x, y);
+  }
+  VirtualScanner& scanner = startWith({sheet("on-its-side.png", onItsSide)});
+  for (const char* dpi : {"200", "400"}) {
+    SCOPED_TRACE(dpi);
+    const Picture page = scanned(scanner, {"--mode", "gray", "--resolution", dpi, "--auto-rotate"},
+                                 paperOf(onItsSide.widthPx, onItsSide.heightPx, 200));
+    EXPECT_NEAR(page.dpi, std::stod(dpi), 1);
+    EXPECT_NEAR(page.widthPx / page.dpi, letter.widthPx / 200.0, 0.02);
+    EXPECT_NEAR(page.heightPx / page.dpi, letter.heightPx / 200.0, 0.02);
+    if (std::string(dpi) == "200") {
+      EXPECT_GE(psnrDb(letter, page), 25);
+    }
+  }
+}
+
 TEST_P(Enhancement, StrokesBecomeThicker) {
   const Picture drawn = drawText(kWidthPx, kHeightPx, kDpi, 2);
   VirtualScanner& scanner = startWith({sheet("sheet.png", drawn)});

@@ -104,6 +104,45 @@ TEST(ImageEnhanceInk, LeavesNoRimOfADroppedInk) {
   EXPECT_NEAR(countDark(mono, kThirds[0]), countDark(text, kThirds[0]), countDark(text, kThirds[0]) / 20);
 }
 
+// As JPEG keeps it: the brightness of every pixel, the colour of four by four of them.
+Sheet withSmearedColors(const Sheet& sheet) {
+  Sheet smeared = sheet;
+  for (int top = 0; top < sheet.heightPx; top += 4) {
+    for (int left = 0; left < sheet.widthPx; left += 4) {
+      double off[3] = {};
+      for (int i = 0; i < 16; ++i) {
+        const Ink ink = sheet.at(left + i % 4, top + i / 4);
+        for (std::size_t part = 0; part < 3; ++part) {
+          off[part] += (ink[part] - sheet.level(left + i % 4, top + i / 4)) / 16.0;
+        }
+      }
+      for (int i = 0; i < 16; ++i) {
+        Ink ink{};
+        for (std::size_t part = 0; part < 3; ++part) {
+          const double value = sheet.level(left + i % 4, top + i / 4) + off[part];
+          ink[part] = static_cast<std::uint8_t>(std::clamp(value, 0.0, 255.0));
+        }
+        smeared.set(left + i % 4, top + i / 4, ink);
+      }
+    }
+  }
+  return smeared;
+}
+
+TEST(ImageEnhanceInk, KeepsBlackTextThatTookOnTheColourOfAStamp) {
+  Sheet text(600, 200);
+  writeText(text, {20, 10, 560, 180});
+  Sheet stamped = text;
+  for (int y = 0; y < 200; ++y) {
+    for (int x = 0; x < 600; ++x) {
+      if (x / 30 % 2 == 0 && text.level(x, y) > 128) stamped.set(x, y, kRed);
+    }
+  }
+  const Sheet after = enhance(withSmearedColors(stamped), dropOf(kDropRed)).sheet;
+  const int letters = countDark(text, text.whole());
+  EXPECT_LT(countDifferent(toMono(after), toMono(text), text.whole()), letters / 20);
+}
+
 TEST(ImageEnhanceInk, DropsACustomColourByItsHue) {
   Sheet sheet(300, 100);
   const Ink violet = {120, 50, 160};
@@ -211,11 +250,22 @@ void drawDots(Sheet& sheet) {
   }
 }
 
+// Where dust lies as thick as this, many specks have others near them by chance.
+TEST(ImageEnhanceInk, RemovesThickDust) {
+  Sheet before(900, 400);
+  std::minstd_rand random(11);
+  const auto next = [&](int below) { return static_cast<int>(random() >> 4) % below; };
+  for (int i = 0; i < 900 * 400 / 100; ++i) before.set(next(900), next(400), kBlack);
+  const Sheet after = enhance(before, noiseOf(120)).sheet;
+  EXPECT_LT(countDark(after, after.whole()), countDark(before, before.whole()) / 10);
+}
+
 TEST(ImageEnhanceInk, KeepsDotsThatBelongTogether) {
   Sheet clean(700, 260);
   drawDots(clean);
   Sheet before = clean;
   for (int i = 0; i < 12; ++i) before.fill({220 + i * 37, 120 + i * 41 % 120, 1 + i % 4, 1 + i % 3}, kBlack);
+  leavePicture("noise-dots", before, enhance(before, noiseOf(200)).sheet, before.whole(), 0.5F);
   for (const std::int32_t side : kNoiseSides) {
     if (side < 120) continue;  // of the smaller ones, some specks are too large
     EXPECT_EQ(enhance(before, noiseOf(side)).sheet, clean) << side;
@@ -295,7 +345,9 @@ TEST(ImageEnhanceInk, LeavesPicturesAndWhiteLettersAlone) {
   before.fill({40, 520, 820, 4}, kBlack);
   for (const bool isMono : {false, true}) {
     const auto page = [&](const Sheet& sheet) { return isMono ? toMono(sheet) : sheet; };
-    EXPECT_EQ(countDifferent(enhance(page(before), linesOf(true, true)).sheet, page(wanted), before.whole()), 0);
+    const Sheet after = enhance(page(before), linesOf(true, true)).sheet;
+    EXPECT_EQ(countDifferent(after, page(wanted), before.whole()), 0);
+    if (!isMono) leavePicture("lines-picture", before, after, before.whole(), 0.4F);
   }
 }
 

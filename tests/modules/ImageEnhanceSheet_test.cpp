@@ -67,6 +67,25 @@ TEST(ImageEnhanceSheet, RemovesPunchedHolesAndNothingElse) {
   }
 }
 
+// The rest of what a hole was punched through is no part of it.
+TEST(ImageEnhanceSheet, RemovesHolesInTextAndRules) {
+  Sheet before(1240, 800, {250, 250, 246});
+  writeText(before, {100, 100, 1000, 600});
+  before.fill({60, 160, 1000, 4}, kBlack);
+  for (const int y : {160, 420}) {
+    before.disc(153, y + 2, kHoleRadius + 3, {180, 180, 176});
+    before.disc(150, y, kHoleRadius, {30, 30, 32});
+  }
+  for (const Sheet& page : {before, toGray(before), toMono(before)}) {
+    const Sheet after = enhance(page, holesOf(false)).sheet;
+    for (const int y : {160, 420}) {
+      EXPECT_EQ(countDark(after, {150 - 20, y - 20, 40, 40}, 160), 0) << page.bits;
+      EXPECT_EQ(countDifferent(after, page, {200, y - 60, 1000, 120}), 0) << page.bits;
+    }
+    EXPECT_EQ(countDifferent(after, page, {60, 160, 40, 4}), 0) << "the rule on the other side of the hole";
+  }
+}
+
 // Bold letters that are as wide as high, or run into one another, can fill as much of their box as a disc does.
 TEST(ImageEnhanceSheet, TakesNoLetterForAHole) {
   Sheet sheet(1240, 800);
