@@ -36,10 +36,10 @@ class ScanWriter {
         progress_(progress) {}
 
   // False once writing has failed.
-  bool write(Page received) {
+  bool write(Page& page) {
     if (failure_) return false;
     attempt([&] {
-      const Page page = turned(std::move(received), turnDegrees_);
+      page = turned(std::move(page), turnDegrees_);
       output_.addPage(page);
       pages_.push_back(reportPage(page, seconds()));
       tell(pages_.back());
@@ -153,7 +153,7 @@ ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Capability& capab
   Page page;
   // Completes the files and ends the program, though the library may be deep in a call that waits for the device.
   const auto leaveAtOnce = [&] {
-    while (queue.pop(page, std::chrono::milliseconds(0)) == PageQueue::Pop::kPage) writer.write(std::move(page));
+    while (queue.pop(page, std::chrono::milliseconds(0)) == PageQueue::Pop::kPage) writer.write(page);
     writer.finish(report);
     setInterrupted(report, interrupts.signal());
     leave(report, options);
@@ -163,7 +163,7 @@ ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Capability& capab
   Clock::time_point lastSign = Clock::now();  // the last page, or the moment before the interrupt
   for (PageQueue::Pop got; (got = queue.pop(page, kWriterPoll)) != PageQueue::Pop::kClosed;) {
     if (interrupts.count() > 0) fetcher.requestAbort();
-    if (got == PageQueue::Pop::kPage && !writer.write(std::move(page))) fetcher.requestDiscard();
+    if (got == PageQueue::Pop::kPage && !writer.write(page)) fetcher.requestDiscard();
     if (got == PageQueue::Pop::kPage || interrupts.count() == 0) lastSign = Clock::now();
     if (interrupts.count() >= 2 || Clock::now() - lastSign >= kStuckPatience) {
       fetcher.requestDiscard();
