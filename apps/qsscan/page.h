@@ -37,7 +37,9 @@ struct Page {
 };
 
 // Copies the page out. Nothing when the description contradicts itself: sizes of 0, an unknown depth, or pixels that
-// would lie outside the data. A resolution that the page does not tell becomes fallbackDpi.
-std::optional<Page> copyPage(const orvalle_scan_api::tagQS_SCAN_IMAGEDATA& image, int number, int fallbackDpi);
+// would lie outside the data. A resolution that the page does not tell becomes fallbackDpi. memory is used for the
+// pixels where it has their size, which spares fresh memory its first touch.
+std::optional<Page> copyPage(const orvalle_scan_api::tagQS_SCAN_IMAGEDATA& image, int number, int fallbackDpi,
+                             std::vector<std::uint8_t> memory = {});
 
 }  // namespace qsscan

@@ -96,7 +96,7 @@ bool PageFetcher::takePage() {
     core_.FreeImageData(pageNo);
     return true;
   }
-  std::optional<Page> page = copyPage(image, pageNo, static_cast<int>(settings_.resolution.x));
+  std::optional<Page> page = copyPage(image, pageNo, static_cast<int>(settings_.resolution.x), queue_.takeSpare());
   core_.FreeImageData(pageNo);
   if (!page) {
     outcome_.end = FetchOutcome::End::kBadPage;

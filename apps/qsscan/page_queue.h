@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <deque>
 #include <mutex>
+#include <vector>
 
 #include "page.h"
 
@@ -22,8 +23,11 @@ class PageQueue {
   // An empty queue has room for any page.
   bool push(Page& page, std::chrono::milliseconds wait);
 
-  // The oldest page. kClosed only when every page has been taken.
+  // The oldest page, in the place of one that is done with. kClosed only when every page has been taken.
   Pop pop(Page& page, std::chrono::milliseconds wait);
+
+  // The memory of the page that was done with last, for the next one to be pushed; often empty.
+  std::vector<std::uint8_t> takeSpare();
 
   // No page will follow.
   void close();
@@ -35,6 +39,7 @@ class PageQueue {
   std::condition_variable changed_;
   // Guarded by mutex_.
   std::deque<Page> pages_;
+  std::vector<std::uint8_t> spare_;
   std::size_t bytes_ = 0;
   bool closed_ = false;
 };

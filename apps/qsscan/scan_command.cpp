@@ -36,10 +36,10 @@ class ScanWriter {
         progress_(progress) {}
 
   // False once writing has failed.
-  bool write(Page received) {
+  bool write(Page& page) {
     if (failure_) return false;
     attempt([&] {
-      const Page page = turned(std::move(received), turnDegrees_);
+      page = turned(std::move(page), turnDegrees_);
       output_.addPage(page);
       pages_.push_back(reportPage(page, seconds()));
       tell(pages_.back());
@@ -164,7 +164,7 @@ ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Capability& capab
   };
   for (PageQueue::Pop got; (got = queue.pop(page, kWriterPoll)) != PageQueue::Pop::kClosed;) {
     if (interrupts.count() > 0) fetcher.requestAbort();
-    if (got == PageQueue::Pop::kPage && !writer.write(std::move(page))) fetcher.requestDiscard();
+    if (got == PageQueue::Pop::kPage && !writer.write(page)) fetcher.requestDiscard();
     if (interrupts.count() > 1 || interrupts.age() >= kStopTime) leaveAtOnce();
   }
   fetching.join();

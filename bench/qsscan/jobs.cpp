@@ -1,5 +1,6 @@
 #include "jobs.h"
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 
@@ -11,7 +12,7 @@ namespace {
 
 using e2e::Picture;
 
-constexpr unsigned kSheets = 4;
+constexpr unsigned kMostSheets = 4;
 constexpr double kSamePictureDb = 22;  // JPEG twice over; two of the sheets are below 20 dB
 
 std::string nameOf(const Job& job, int page) {
@@ -36,24 +37,24 @@ void readPages(const Job& job, const std::string& folder, int pages, const std::
 
 const std::vector<Job>& jobs() {
   static const std::vector<Job> all = {
-      {"colour, 300 dpi, both sides, PDF", 300, true, false, true, "scan.pdf", {"--duplex"}},
-      {"grey, 300 dpi, PDF", 300, false, false, false, "scan.pdf", {"--mode", "gray"}},
-      {"mono, 300 dpi, PDF", 300, false, true, false, "scan.pdf", {"--mode", "mono"}},
-      {"colour, 600 dpi, PDF", 600, true, false, false, "scan.pdf", {}},
-      {"colour, 300 dpi, lossless PDF", 300, true, false, false, "scan.pdf", {"--compression", "lossless"}},
-      {"colour, 300 dpi, TIFF", 300, true, false, false, "scan.tif", {}},
-      {"colour, 300 dpi, PNG", 300, true, false, false, "page%d.png", {}},
-      {"colour, 300 dpi, JPEG", 300, true, false, false, "page%d.jpg", {}},
-      {"colour, 300 dpi, PNM", 300, true, false, false, "page%d.pnm", {}},
+      {"colour, 300 dpi, both sides, PDF", 300, true, false, "scan.pdf", {"--duplex"}},
+      {"grey, 300 dpi, PDF", 300, false, false, "scan.pdf", {"--mode", "gray"}},
+      {"mono, 300 dpi, PDF", 300, false, true, "scan.pdf", {"--mode", "mono"}},
+      {"colour, 600 dpi, PDF", 600, true, false, "scan.pdf", {}},
+      {"colour, 300 dpi, lossless PDF", 300, true, false, "scan.pdf", {"--compression", "lossless"}},
+      {"colour, 300 dpi, TIFF", 300, true, false, "scan.tif", {}},
+      {"colour, 300 dpi, PNG", 300, true, false, "page%d.png", {}},
+      {"colour, 300 dpi, JPEG", 300, true, false, "page%d.jpg", {}},
+      {"colour, 300 dpi, PNM", 300, true, false, "page%d.pnm", {}},
   };
   return all;
 }
 
-Sheets drawSheets(const Job& job, const std::string& folder) {
+Sheets drawSheets(const Job& job, int pages, const std::string& folder) {
   const auto px = [&job](double mm) { return static_cast<int>(std::lround(mm / 25.4 * job.dpi)); };
   const auto draw = job.isColor ? e2e::drawColor : e2e::drawText;
   Sheets sheets;
-  for (unsigned i = 0; i < kSheets; ++i) {
+  for (unsigned i = 0; i < std::min(kMostSheets, static_cast<unsigned>(pages)); ++i) {
     sheets.pictures.push_back(draw(px(210), px(297), job.dpi, 30 + i));
     sheets.paths.push_back(folder + "/sheet" + std::to_string(i) + ".tif");
     e2e::writeTiff(sheets.paths.back(), {sheets.pictures.back()});
@@ -65,7 +66,7 @@ std::string faultOf(const Job& job, const Sheets& sheets, const std::string& fol
   int read = 0;
   std::string fault;
   readPages(job, folder, pages, [&](const Picture& page) {
-    const Picture& drawn = sheets.pictures[static_cast<std::size_t>(read++) % kSheets];
+    const Picture& drawn = sheets.pictures[static_cast<std::size_t>(read++) % sheets.pictures.size()];
     // A page ends at the last whole pixel of the paper.
     const bool isAPixelSmaller = drawn.widthPx - page.widthPx == 1 || drawn.heightPx - page.heightPx == 1;
     const Picture sheet = isAPixelSmaller ? e2e::onWhite(drawn, page.widthPx, page.heightPx) : drawn;

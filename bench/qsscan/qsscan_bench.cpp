@@ -61,7 +61,7 @@ std::vector<std::vector<std::uint8_t>> keptJpegs(const std::string& folder) {
 class Bench {
  public:
   Bench(const Job& job, int pages)
-      : job_(job), pages_(pages), sheets_(drawSheets(job, folder_.path())), scanner_(folder_, stack()) {
+      : job_(job), pages_(pages), sheets_(drawSheets(job, pages, folder_.path())), scanner_(folder_, stack()) {
     std::filesystem::create_directory(folder_.file("jpegs"));
   }
 
@@ -160,7 +160,8 @@ class Bench {
 
   Arguments stack() const {
     Arguments arguments = {"--reload"};
-    for (int i = 0; i < pages_; ++i) arguments.push_back(sheets_.paths[static_cast<std::size_t>(i) % 4]);
+    for (int i = 0; i < pages_; ++i)
+      arguments.push_back(sheets_.paths[static_cast<std::size_t>(i) % sheets_.paths.size()]);
     return arguments;
   }
 

@@ -23,7 +23,8 @@ namespace {
 using namespace orvalle_scan_api;
 
 const bool kWhole = std::getenv("QS_LONG_RUNS") != nullptr;
-int inForm(int brief, int whole) { return kWhole ? whole : brief; }
+// Sanitizers make everything slow and say nothing of memory.
+int inForm(int brief, int whole) { return kWhole ? whole : kMemoryIsTelling ? brief : brief / 4; }
 const std::chrono::seconds kRunLimit = kWhole ? std::chrono::hours(1) : kPatience;
 
 constexpr double kA4WidthInches = 210 / 25.4;
@@ -89,7 +90,7 @@ void LongRuns::scanLongBatch(Arguments stack, int dpi, const Arguments& output) 
   const auto run = startScan(scanner.address(), arguments);
 
   // The core holds 21 pages before it makes the device wait: a batch takes its room in the beginning.
-  const int settled = inForm(pages / 2, pages / 10);
+  const int settled = kWhole ? pages / 10 : pages / 2;
   Figures atSettled;
   Figures last;
   std::vector<long> residentKib;
@@ -117,15 +118,16 @@ void LongRuns::scanLongBatch(Arguments stack, int dpi, const Arguments& output) 
               finished.exit.seconds, last.peakKib / 1024, grownKib / 1024, settled);
   EXPECT_EQ(pagesTold(finished.err), pages);
   if (!kMemoryIsTelling) return;
-  // The threads of the scan meet by chance, so that a few pages more may lie between them later on.
-  EXPECT_LE(grownKib, 5 * pageKib());
-  // The library's 21 pages, of which those in work are held twice, five of the program's own, and its code.
-  EXPECT_LE(last.peakKib, 45 * pageKib() + 32 * 1024);
+  // The library's 21 pages, those in work held twice, seven of the program's own, and what the allocator keeps of small
+  // ones. How many meet is chance, so that growth tells something in a long run alone.
+  EXPECT_LE(last.peakKib, (kWhole ? 36 : 60) * pageKib() + 32 * 1024);
+  EXPECT_TRUE(!kWhole || grownKib <= 10 * pageKib());
 }
 
 TEST_F(LongRuns, ABatchIntoOnePdfTakesNoMoreMemoryAsItGrows) {
-  const int pages = inForm(40, 500);
-  scanLongBatch(drawStack(pages, 300, drawColor, 20), 300, {"-o", file("long.pdf")});
+  const int pages = inForm(100, 500);
+  const int dpi = kWhole ? 300 : 100;
+  scanLongBatch(drawStack(pages, dpi, drawColor, 20), dpi, {"-o", file("long.pdf")});
   int read = 0;
   int right = 0;
   readPdf(file("long.pdf"), [&](const PdfPage& page) { right += isPage(read++, page.picture); });
@@ -135,8 +137,8 @@ TEST_F(LongRuns, ABatchIntoOnePdfTakesNoMoreMemoryAsItGrows) {
 
 // Text on white: 500 pages with photographs would not fit into the 4 GiB of a TIFF.
 TEST_F(LongRuns, ABatchIntoOneTiffTakesNoMoreMemoryAsItGrows) {
-  const int pages = inForm(50, 500);
-  const int dpi = inForm(100, 300);
+  const int pages = inForm(100, 500);
+  const int dpi = kWhole ? 300 : 100;
   scanLongBatch(drawStack(pages, dpi, drawText, 20), dpi, {"-o", file("long.tif")});
   int read = 0;
   int right = 0;
@@ -146,8 +148,8 @@ TEST_F(LongRuns, ABatchIntoOneTiffTakesNoMoreMemoryAsItGrows) {
 }
 
 TEST_F(LongRuns, ABatchOfFilesTakesNoMoreMemoryAsItGrows) {
-  const int pages = inForm(50, 500);
-  const int dpi = inForm(100, 300);
+  const int pages = inForm(100, 500);
+  const int dpi = kWhole ? 300 : 100;
   scanLongBatch(drawStack(pages, dpi, drawText, 20), dpi, {"--batch", file("page%d.png")});
   int right = 0;
   for (int i = 0; i < pages; ++i) right += isPage(i, readPng(file("page" + std::to_string(i + 1) + ".png")));
@@ -239,7 +241,7 @@ TEST_F(LongRuns, InstanceAfterInstanceLeavesNothingBehind) {
 
 TEST_F(LongRuns, FourScannersServeFourProgramsAtOnce) {
   constexpr std::size_t kPrograms = 4;
-  const int pages = inForm(5, 50);
+  const int pages = inForm(8, 50);
   std::vector<std::vector<Picture>> drawn;
   std::vector<std::string> addresses;
   for (std::size_t i = 0; i < kPrograms; ++i) {

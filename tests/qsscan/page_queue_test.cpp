@@ -58,6 +58,22 @@ TEST(PageQueue, NothingYetIsNotTheEnd) {
   EXPECT_EQ(queue.pop(page, 1ms), PageQueue::Pop::kNothingYet);
 }
 
+TEST(PageQueue, TheMemoryOfAPageThatIsDoneWithIsThereForAnother) {
+  PageQueue queue(4, 1000);
+  Page page = numbered(1);
+  const std::uint8_t* const memory = page.pixels.data();
+  EXPECT_TRUE(queue.takeSpare().empty());
+  ASSERT_TRUE(queue.push(page, 0ms));
+  ASSERT_EQ(queue.pop(page, 0ms), PageQueue::Pop::kPage);
+  EXPECT_TRUE(queue.takeSpare().empty()) << "the page is still in use";
+  Page next = numbered(2);
+  ASSERT_TRUE(queue.push(next, 0ms));
+  ASSERT_EQ(queue.pop(page, 0ms), PageQueue::Pop::kPage);
+  EXPECT_EQ(page.number, 2);
+  EXPECT_EQ(queue.takeSpare().data(), memory);
+  EXPECT_TRUE(queue.takeSpare().empty()) << "it is there once";
+}
+
 TEST(PageQueue, WakesBothSides) {
   PageQueue queue(1, 1000);
   std::thread pusher([&] {

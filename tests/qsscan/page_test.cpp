@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <utility>
 
 #include "made_page.h"
 
@@ -47,6 +48,27 @@ TEST(Page, WithoutAResolutionOfItsOwnTakesTheWishedOne) {
   fake.dpi = 0;
   auto bytes = fake.file();
   EXPECT_EQ(copyPage(fake.describe(bytes), 1, 150)->dpiY, 150);
+}
+
+TEST(Page, UsesTheMemoryOfAnotherUnlessItIsFarTooLarge) {
+  FakePage fake;
+  auto bytes = fake.file();
+  const auto image = fake.describe(bytes);
+  const Page plain = copyPage(image, 1, 300).value();
+
+  std::vector<std::uint8_t> fitting(plain.pixels.size() + 1, 0x55);
+  const std::uint8_t* const place = fitting.data();
+  const Page reused = copyPage(image, 1, 300, std::move(fitting)).value();
+  EXPECT_EQ(reused.pixels.data(), place);
+  EXPECT_EQ(reused.pixels, plain.pixels);
+
+  std::vector<std::uint8_t> tooSmall(1, 0x55);
+  EXPECT_EQ(copyPage(image, 1, 300, std::move(tooSmall))->pixels, plain.pixels);
+
+  std::vector<std::uint8_t> tooLarge(4 * plain.pixels.size(), 0x55);
+  const Page own = copyPage(image, 1, 300, std::move(tooLarge)).value();
+  EXPECT_LT(own.pixels.capacity(), 3 * plain.pixels.size());
+  EXPECT_EQ(own.pixels, plain.pixels);
 }
 
 struct BadRow {
