@@ -14,11 +14,11 @@ struct Place {
 constexpr Place kPlaces[] = {
     {"page=1", 0}, {"page=1,line=300", 0}, {"page=2,line=300", 1}, {"page=2,line=9999", 1}, {"page=3", 2}};
 
-// So that pages that came before a connection breaks have been fetched: what was not is lost with it.
+// So that the pages before have gone through the library when the connection breaks: what has not is lost with it.
 std::vector<std::string> afterAPause(const std::string& fault, const Place& place) {
   const std::string where = std::string("@") + place.at;
   if (place.pagesBefore == 0) return {fault + where};
-  return {"pause=800" + where, fault + where};
+  return {"pause=2000" + where, fault + where};
 }
 
 struct DeviceError {

@@ -1,7 +1,10 @@
 // Real scanned pages, where a folder of them lies beside the checkout.
 #include <algorithm>
+#include <atomic>
+#include <cmath>
 #include <filesystem>
 
+#include "parallel.h"
 #include "pdf_file.h"
 #include "scan_test.h"
 
@@ -12,6 +15,8 @@ namespace {
 constexpr int kMaxWidthTenthsOfMm = 2159;
 constexpr int kMaxHeightTenthsOfMm = 3556;
 constexpr int kAssumedDpi = 300;
+// Of means over a millimetre; upside down, the same pages have less than 20.
+constexpr double kMeansAlikeDb = 25;
 
 std::vector<std::string> samples() {
   std::vector<std::string> paths;
@@ -46,11 +51,12 @@ class Samples : public ScanTest {
   void SetUp() override {
     if (samples().empty()) GTEST_SKIP() << "there is no folder of real pages beside this checkout";
   }
+
+  std::atomic<int> compared_{0};
 };
 
 // At the sheet's own resolution: black and white and grey pages exactly, colour by JPEG closely.
 TEST_F(Samples, ArriveAsTheyAre) {
-  int compared = 0;
   for (const std::string& path : samples()) {
     SCOPED_TRACE(path);
     const Picture drawn = readSheet(path);
@@ -72,9 +78,52 @@ TEST_F(Samples, ArriveAsTheyAre) {
     } else {
       EXPECT_GE(psnrDb(expected, page), 30);
     }
-    ++compared;
+    ++compared_;
   }
-  EXPECT_GT(compared, 0);
+  EXPECT_GT(compared_, 0);
+}
+
+// In grey at other resolutions, from the feeders of both generations and from a bed.
+TEST_F(Samples, ShowTheSheetAtOtherResolutions) {
+  struct Sample {
+    std::string profile;
+    std::string path;
+  };
+  std::vector<Sample> rows;
+  for (const std::string profile : {"office", "classic", "flatbed"}) {
+    for (const std::string& path : samples()) rows.push_back({profile, path});
+  }
+  forEachAtOnce(rows, 2, [&](const Sample& row) {
+    constexpr int kCoarseDpi = 25;
+    const Picture drawn = readSheet(row.path);
+    const double widthMm = drawn.widthPx * 25.4 / drawn.dpi;
+    const double heightMm = drawn.heightPx * 25.4 / drawn.dpi;
+    // What the papers by size allow, and what shrinks by whole numbers.
+    if (widthMm < 55 || heightMm < 55 || widthMm > 215.9 || heightMm > 297 || std::fmod(drawn.dpi, kCoarseDpi) != 0) {
+      return;
+    }
+    const Picture expected = shrunk(greyOf(drawn), static_cast<int>(drawn.dpi) / kCoarseDpi);
+    const VirtualScanner scanner(
+        folder_, {"--hidden", "--profile", row.profile, row.profile == "flatbed" ? "--bed" : "--reload", row.path});
+    for (const int dpi : {100, 200}) {
+      SCOPED_TRACE(row.profile + ", " + row.path + ", " + std::to_string(dpi) + " dpi");
+      const TemporaryFolder folder;
+      ASSERT_TRUE(endedWith(
+          0, scan(scanner.address(),
+                  {"--mode", "gray", "--resolution", std::to_string(dpi), "--page-size",
+                   std::to_string(widthMm) + "x" + std::to_string(heightMm), "-o", folder.file("page.png")})));
+      const Picture page = readPng(folder.file("page.png"));
+      EXPECT_NEAR(page.widthPx * 25.4 / dpi, widthMm, 0.5);
+      EXPECT_NEAR(page.heightPx * 25.4 / dpi, heightMm, 0.5);
+      const Picture actual = shrunk(page, dpi / kCoarseDpi);
+      const int widthPx = std::min(expected.widthPx, actual.widthPx);
+      const int heightPx = std::min(expected.heightPx, actual.heightPx);
+      EXPECT_GE(psnrDb(cutOut(expected, 0, 0, widthPx, heightPx), cutOut(actual, 0, 0, widthPx, heightPx)),
+                kMeansAlikeDb);
+      ++compared_;
+    }
+  });
+  EXPECT_GT(compared_, 10);
 }
 
 TEST_F(Samples, AllFillOnePdfAtTheirTrueSize) {
