@@ -23,14 +23,11 @@ using namespace qsscan;
 void printJson(const nlohmann::ordered_json& json) { std::printf("%s\n", jsonText(json, 2).c_str()); }
 
 void tellEnd(const ScanReport& report, const Options& options) {
-  rememberDevice(options.device);
   std::fputs(reportText(report).c_str(), stderr);
   if (options.json) printJson(reportJson(report));
 }
 
-int runInfo(orvalle_scan_api::IScanCoreApi& core, const Options& options) {
-  const Capability capability = connect(core, options.device);
-  rememberDevice(options.device);
+int runInfo(const Capability& capability, const Options& options) {
   if (options.json) {
     printJson(capabilityJson(options.device, capability));
   } else {
@@ -40,9 +37,11 @@ int runInfo(orvalle_scan_api::IScanCoreApi& core, const Options& options) {
 }
 
 int runWith(orvalle_scan_api::IScanCoreApi& core, const Options& options, const Complete& complete) {
-  if (options.command == Options::Command::kInfo) return runInfo(core, options);
-  if (options.command == Options::Command::kPanel) return runPanel(core, options, complete, tellEnd);
-  const ScanReport report = runScan(core, options, stderr, tellEnd);
+  const Capability capability = connect(core, options.device);
+  rememberDevice(options.device);
+  if (options.command == Options::Command::kInfo) return runInfo(capability, options);
+  if (options.command == Options::Command::kPanel) return runPanel(core, capability, options, complete, tellEnd);
+  const ScanReport report = runScan(core, capability, options, stderr, tellEnd);
   tellEnd(report, options);
   return static_cast<int>(report.exit);
 }

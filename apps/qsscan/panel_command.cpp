@@ -4,10 +4,8 @@
 #include <cstdio>
 #include <thread>
 
-#include "connect.h"
 #include "exit_codes.h"
 #include "panel_request.h"
-#include "remembered_devices.h"
 #include "results.h"
 #include "scan_command.h"
 
@@ -70,9 +68,8 @@ void tellButton(const PanelRecord& record, const PanelWish& wish, ProgressStyle 
 
 }  // namespace
 
-int runPanel(IScanCoreApi& core, const Options& options, const Complete& complete, TellEnd tellEnd) {
-  const Capability capability = connect(core, options.device);
-  rememberDevice(options.device);
+int runPanel(IScanCoreApi& core, const Capability& capability, const Options& options, const Complete& complete,
+             TellEnd tellEnd) {
   if (options.onlyShows) {
     show(askPanel(core), options);
     return static_cast<int>(ExitCode::kDone);

@@ -6,6 +6,7 @@
 #include "ScanCoreApi.h"
 #include "options.h"
 #include "scan_report.h"
+#include "settings.h"
 
 namespace qsscan {
 
@@ -13,7 +14,9 @@ namespace qsscan {
 using Complete = std::function<Options(const std::vector<OptionValue>& askedByPanel)>;
 using TellEnd = void (*)(const ScanReport&, const Options&);
 
-// Gives the exit code. tellEnd gets what came of the scan, as runScan takes it. Throws CommandError.
-int runPanel(orvalle_scan_api::IScanCoreApi& core, const Options& options, const Complete& complete, TellEnd tellEnd);
+// On a library instance that is connected to the device. Gives the exit code; tellEnd gets what came of the scan, as
+// runScan takes it. Throws CommandError.
+int runPanel(orvalle_scan_api::IScanCoreApi& core, const Capability& capability, const Options& options,
+             const Complete& complete, TellEnd tellEnd);
 
 }  // namespace qsscan

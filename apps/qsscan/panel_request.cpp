@@ -237,7 +237,7 @@ class Wishes {
   }
 
   void takeRest() {
-    if (isTurned(record_.orient)) leaveOut("for pages turned by 90 degrees");
+    if (isTurned(record_.orient)) add("rotate", "90");
     if (record_.removeBleedThrough.valid && record_.removeBleedThrough.on) {
       leaveOut("to remove what shows through from the back");
     }

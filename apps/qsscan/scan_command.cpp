@@ -8,7 +8,6 @@
 #include <thread>
 #include <utility>
 
-#include "connect.h"
 #include "interrupts.h"
 #include "page_fetcher.h"
 #include "results.h"
@@ -132,11 +131,6 @@ void judge(ScanReport& report, const FetchOutcome& outcome, const ScanWriter& wr
 }
 
 }  // namespace
-
-ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Options& options, std::FILE* progress,
-                   void (*leave)(const ScanReport&, const Options&)) {
-  return runScan(core, connect(core, options.device), options, progress, leave);
-}
 
 ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Capability& capability, const Options& options,
                    std::FILE* progress, void (*leave)(const ScanReport&, const Options&)) {

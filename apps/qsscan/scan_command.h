@@ -21,8 +21,4 @@ namespace qsscan {
 ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Capability& capability, const Options& options,
                    std::FILE* progress, void (*leave)(const ScanReport&, const Options&));
 
-// The same for an instance that is not connected yet.
-ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Options& options, std::FILE* progress,
-                   void (*leave)(const ScanReport&, const Options&));
-
 }  // namespace qsscan

@@ -56,7 +56,7 @@ TEST_P(PanelTest, WaitsForTheButtonAndScansAsItAsks) {
   const auto run = startPanelCommand(scanner.address(), {"--progress=json", "--json", "-o", file("a.png")});
   ASSERT_TRUE(run->waitForText(run->errPath(), "Waiting for a button", kPatience));
   EXPECT_FALSE(run->waitForText(run->errPath(), "event", 1500ms)) << "nobody has pressed a button";
-  press("file resolution=150 color=gray paper=A5 format=jpeg");
+  press("file resolution=150 color=gray paper=A5 turn=90 format=jpeg");
   const Finished finished = finish(*run);
   EXPECT_TRUE(endedWith(0, finished));
   const auto event = nlohmann::json::parse(
@@ -67,8 +67,8 @@ TEST_P(PanelTest, WaitsForTheButtonAndScansAsItAsks) {
   EXPECT_EQ(report["files"], std::vector<std::string>{file("a.png")}) << "the name on the command line wins";
   const Picture page = readPng(file("a.png"));
   EXPECT_EQ(page.channels, 1);
-  EXPECT_NEAR(page.widthPx, 148 / 25.4 * 150, 1);
-  EXPECT_NEAR(page.heightPx, 210 / 25.4 * 150, 1);
+  EXPECT_NEAR(page.widthPx, 210 / 25.4 * 150, 1) << "turned";
+  EXPECT_NEAR(page.heightPx, 148 / 25.4 * 150, 1);
   EXPECT_GE(scanner.commands().size(), 4u);
 }
 
@@ -84,10 +84,10 @@ TEST_P(PanelTest, TheCommandLineWinsOverThePresetAndThePresetOverThePanel) {
 }
 
 TEST_P(PanelTest, WhatCannotBeDoneIsLeftOutAndTold) {
-  VirtualScanner& scanner = startPanel({"--button", "ocr format=xps turn=90"});
+  VirtualScanner& scanner = startPanel({"--button", "ocr format=xps bleed=on"});
   const Finished finished = finish(*startPanelCommand(scanner.address(), {"-o", file("a.pdf")}));
   EXPECT_TRUE(endedWith(0, finished));
-  for (const char* part : {"format xps, which is left out", "turned by 90 degrees", "text recognition"}) {
+  for (const char* part : {"format xps, which is left out", "from the back", "text recognition"}) {
     EXPECT_NE(finished.err.find(part), std::string::npos) << part << finished.err;
   }
   EXPECT_TRUE(exists("a.pdf"));

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <new>
 
+#include "apps/qsscan/connect.h"
 #include "apps/qsscan/exit_codes.h"
 #include "apps/qsscan/scan_command.h"
 #include "fake_scan_core.h"
@@ -52,7 +53,8 @@ TEST(OutOfMemory, WhileAPageIsWrittenKeepsThePagesBeforeIt) {
   std::FILE* progress = fopencookie(nullptr, "w", {nullptr, armAfterAPage, nullptr, nullptr});
   ASSERT_NE(progress, nullptr);
 
-  const ScanReport report = runScan(core, options, progress, [](const ScanReport&, const Options&) { FAIL(); });
+  const ScanReport report = runScan(core, connect(core, options.device), options, progress,
+                                    [](const ScanReport&, const Options&) { FAIL(); });
 
   failsNext = false;
   std::fclose(progress);

@@ -137,7 +137,8 @@ TEST_F(Pages, CompletionOffersTheOptionsOfEachCommand) {
   for (const std::string command : {"list", "info", "scan", "panel"}) {
     EXPECT_EQ(offered(QSSCAN_PROGRAM " " + command + " ''"), helpOf(command)) << command;
   }
-  EXPECT_EQ(offered(QSSCAN_PROGRAM " scan -d host --de"), (Names{"--deskew", "--detect-multifeed", "--device"}));
+  EXPECT_EQ(offered(QSSCAN_PROGRAM " scan -d host --de"),
+            (Names{"--deskew", "--descreen", "--despeckle", "--detect-multifeed", "--device"}));
 }
 
 TEST_F(Pages, CompletionOffersTheValuesOfOptions) {
@@ -146,6 +147,7 @@ TEST_F(Pages, CompletionOffersTheValuesOfOptions) {
   EXPECT_EQ(offered(QSSCAN_PROGRAM " scan --page-size le"), (Names{"legal", "letter", "ledger"}));
   EXPECT_EQ(offered(QSSCAN_PROGRAM " scan -o ''"), (Names{"a", "file"}));
   EXPECT_EQ(offered(QSSCAN_PROGRAM " scan --resolution ''"), Names{});
+  EXPECT_EQ(offered(QSSCAN_PROGRAM " scan --remove-lines --du"), Names{"--duplex"}) << "its value may be left out";
 }
 
 TEST_F(Pages, CompletionOffersDevicesAndPresetsAndRunsNoneOfThem) {

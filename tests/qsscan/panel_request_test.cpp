@@ -148,14 +148,14 @@ INSTANTIATE_TEST_SUITE_P(
                             [](PanelRecord& r, Capability&) {
                               r.orient = {true, false, 9000};
                             },
-                            {},
-                            {"turned by 90"}},
+                            {{"rotate", "90"}},
+                            {}},
                     WishRow{"AngleOfTheSecondGeneration",
                             [](PanelRecord& r, Capability&) {
                               r.orient = {true, false, 90};
                             },
-                            {},
-                            {"turned by 90"}},
+                            {{"rotate", "90"}},
+                            {}},
                     WishRow{"Levels",
                             [](PanelRecord& r, Capability&) {
                               r.brightness = {true, 0};

@@ -4,6 +4,7 @@
 
 #include <csignal>
 
+#include "apps/qsscan/connect.h"
 #include "apps/qsscan/exit_codes.h"
 #include "fake_scan_core.h"
 #include "temporary_folder.h"
@@ -28,7 +29,7 @@ class ScanCommand : public testing::Test {
 
   ScanReport run() {
     FakeScanCore core(script);
-    const ScanReport report = runScan(core, options, stderr, neverLeave);
+    const ScanReport report = runScan(core, connect(core, options.device), options, stderr, neverLeave);
     EXPECT_EQ(core.misuse(), "");
     parameters = core.parameters();
     starts = core.starts();
@@ -148,7 +149,7 @@ TEST_F(ScanCommand, FailuresBeforeTheScanAreThrownWithTheirCode) {
 TEST_F(ScanCommand, AnOutputThatCannotBeWrittenShowsBeforeThePaperMoves) {
   options.output = {Format::kPdf, "/nonexistent/a.pdf", ""};
   FakeScanCore core(script);
-  EXPECT_THROW(runScan(core, options, stderr, neverLeave), CommandError);
+  EXPECT_THROW(runScan(core, connect(core, options.device), options, stderr, neverLeave), CommandError);
   EXPECT_EQ(core.starts(), 0);
 }
 
