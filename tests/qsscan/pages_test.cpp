@@ -137,7 +137,8 @@ TEST_F(Pages, CompletionOffersTheOptionsOfEachCommand) {
   for (const std::string command : {"list", "info", "scan", "panel"}) {
     EXPECT_EQ(offered(QSSCAN_PROGRAM " " + command + " ''"), helpOf(command)) << command;
   }
-  EXPECT_EQ(offered(QSSCAN_PROGRAM " scan -d host --de"), (Names{"--deskew", "--detect-multifeed", "--device"}));
+  EXPECT_EQ(offered(QSSCAN_PROGRAM " scan -d host --de"),
+            (Names{"--descreen", "--deskew", "--despeckle", "--detect-multifeed", "--device"}));
 }
 
 TEST_F(Pages, CompletionOffersTheValuesOfOptions) {
