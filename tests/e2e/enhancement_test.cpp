@@ -1,6 +1,7 @@
 // What the library makes of a page that the device sent, asked for by options of qsscan.
 #include <algorithm>
 #include <cmath>
+#include <random>
 
 #include "pdf_file.h"
 #include "scan_test.h"
@@ -19,6 +20,13 @@ double shareOfChanges(const Picture& a, const Picture& b) {
   std::size_t changed = 0;
   for (std::size_t i = 0; i < a.pixels.size(); ++i) changed += std::abs(int{a.pixels[i]} - int{b.pixels[i]}) > 127;
   return static_cast<double>(changed) / static_cast<double>(a.pixels.size());
+}
+
+// How far the samples of a part of the page lie apart.
+int contrastOf(const Picture& page, int left, int top, int widthPx, int heightPx) {
+  const Picture part = cutOut(page, left, top, widthPx, heightPx);
+  const auto [darkest, brightest] = std::minmax_element(part.pixels.begin(), part.pixels.end());
+  return *brightest - *darkest;
 }
 
 class Enhancement : public ScanTest, public ::testing::WithParamInterface<const char*> {
@@ -173,20 +181,69 @@ TEST_P(Enhancement, PrintedDotsBecomeAShade) {
     for (int x = 0; x < kWidthPx; ++x) *drawn.at(x, y) = x % 4 < 2 && y % 4 < 2 ? 0 : 255;
   }
   VirtualScanner& scanner = startWith({sheet("sheet.png", drawn)});
-  // How far the middle of the page is from one shade.
-  const auto contrast = [](const Picture& page) {
-    int darkest = 255, brightest = 0;
-    for (int y = 300; y < 340; ++y) {
-      for (int x = 300; x < 340; ++x) {
-        darkest = std::min<int>(darkest, *page.at(x, y));
-        brightest = std::max<int>(brightest, *page.at(x, y));
+  const int plain = contrastOf(scanned(scanner, {"--mode", "gray"}), 300, 300, 40, 40);
+  EXPECT_GT(plain, 150);
+  EXPECT_LT(contrastOf(scanned(scanner, {"--mode", "gray", "--descreen"}), 300, 300, 40, 40), plain / 2);
+}
+
+TEST_P(Enhancement, GrainIsTakenFromThePaperAndEdgesStaySharp) {
+  std::mt19937 random(1);
+  Picture drawn(kWidthPx, kHeightPx, 1, kDpi);
+  for (int y = 0; y < kHeightPx; ++y) {
+    for (int x = 0; x < kWidthPx; ++x) {
+      *drawn.at(x, y) = static_cast<std::uint8_t>(x < 350 ? 225 + random() % 25 : 30);
+    }
+  }
+  VirtualScanner& scanner = startWith({sheet("sheet.png", drawn)});
+  const auto grainOf = [](const Picture& page) {
+    int sum = 0;
+    for (int x = 100; x < 300; ++x) sum += std::abs(*page.at(x + 1, 400) - *page.at(x, 400));
+    return sum;
+  };
+  const Picture page = scanned(scanner, {"--mode", "gray", "--smooth", "50"});
+  EXPECT_LT(grainOf(page), grainOf(scanned(scanner, {"--mode", "gray"})) / 2);
+  EXPECT_GT(contrastOf(page, 345, 300, 10, 10), 150) << "the edge";
+}
+
+TEST_P(Enhancement, SoftEdgesBecomeSharper) {
+  Picture drawn(kWidthPx, kHeightPx, 1, kDpi);
+  for (int y = 0; y < kHeightPx; ++y) {
+    for (int x = 0; x < kWidthPx; ++x) *drawn.at(x, y) = static_cast<std::uint8_t>(std::clamp((x - 345) * 50, 60, 180));
+  }
+  VirtualScanner& scanner = startWith({sheet("sheet.png", drawn)});
+  const int plain = contrastOf(scanned(scanner, {"--mode", "gray"}), 340, 400, 40, 1);
+  EXPECT_GT(contrastOf(scanned(scanner, {"--mode", "gray", "--sharpen=5"}), 340, 400, 40, 1), plain + 10);
+}
+
+TEST_P(Enhancement, AutomaticToneMakesInkBlackAndPaperWhite) {
+  Picture drawn = drawText(kWidthPx, kHeightPx, kDpi, 5);
+  for (auto& sample : drawn.pixels) sample = static_cast<std::uint8_t>(70 + sample * 120 / 255);
+  VirtualScanner& scanner = startWith({sheet("sheet.png", drawn)});
+  EXPECT_LT(contrastOf(scanned(scanner, {"--mode", "gray"}), 0, 0, kWidthPx, kHeightPx), 160);
+  const Picture page = scanned(scanner, {"--mode", "gray", "--auto-tone"});
+  EXPECT_GT(contrastOf(page, 0, 0, kWidthPx, kHeightPx), 220);
+  EXPECT_GT(*page.at(kWidthPx - 5, kHeightPx - 5), 240) << "paper";
+}
+
+// A stroke of dots 1/72 inch apart, as a printer with needles makes it.
+TEST_P(Enhancement, DotsOfNeedlePrintersAreJoined) {
+  Picture drawn(kWidthPx, kHeightPx, 1, kDpi);
+  for (int letter = 0; letter < 8; ++letter) {
+    for (int dot = 0; dot < 7; ++dot) {
+      const int top = 400 + dot * kDpi / 72, left = 200 + letter * 30;
+      for (int y = top; y < top + 3; ++y) {
+        for (int x = left; x < left + 3; ++x) *drawn.at(x, y) = 0;
       }
     }
-    return brightest - darkest;
+  }
+  VirtualScanner& scanner = startWith({sheet("sheet.png", drawn)});
+  const auto inkOf = [](const Picture& page) {
+    const Picture stroke = cutOut(page, 201, 400, 1, 27);
+    return std::count(stroke.pixels.begin(), stroke.pixels.end(), 0);
   };
-  const int plain = contrast(scanned(scanner, {"--mode", "gray"}));
-  EXPECT_GT(plain, 150);
-  EXPECT_LT(contrast(scanned(scanner, {"--mode", "gray", "--descreen"})), plain / 2);
+  const auto plain = inkOf(scanned(scanner, {"--mode", "mono"}));
+  EXPECT_LT(plain, 24);
+  EXPECT_GT(inkOf(scanned(scanner, {"--mode", "mono", "--join-dots"})), plain + 3);
 }
 
 INSTANTIATE_TEST_SUITE_P(Scanners, Enhancement, ::testing::Values("office", "classic"),
