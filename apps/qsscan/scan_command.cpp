@@ -1,5 +1,6 @@
 #include "scan_command.h"
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -48,7 +49,7 @@ class ScanWriter {
 
   void finish(ScanReport& report) {
     attempt([&] { output_.finish(); });
-    pages_.resize(static_cast<std::size_t>(output_.keptPages()));
+    pages_.resize(std::min(pages_.size(), static_cast<std::size_t>(output_.keptPages())));
     report.pages = pages_;
     report.files = output_.files();
     report.seconds = seconds();
