@@ -22,6 +22,10 @@ void enhance(benchmark::State& state, int bits, int wantedBits, Ask ask) {
   Bytes pixels = bits == 24 ? drawRgb() : bits == 8 ? drawGray() : drawMono();
   const std::size_t lineBytes = fakes::lineBytesOf(kWidthPx, bits);
   std::fill_n(pixels.begin() + static_cast<std::ptrdiff_t>(100 * lineBytes), 4 * lineBytes, 0);  // a ruled line
+  for (std::size_t y = 40; y < 43; ++y) {                                                        // a speck
+    std::fill_n(pixels.begin() + static_cast<std::ptrdiff_t>(y * lineBytes + lineBytes / 8),
+                bits == 1 ? 1 : bits / 8 * 3, bits == 1 ? 0x1F : 0);
+  }
   Bytes bmp = fakes::makeBmp(kWidthPx, kHeightPx, bits, fakes::upsideDown(pixels, lineBytes));
   PAGE_STORE_VIEW store{};
   store.data = bmp.data();

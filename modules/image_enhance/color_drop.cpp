@@ -111,7 +111,7 @@ bool isPlain(const std::uint8_t* bgr) {
   return most - least <= kLeastChroma;
 }
 
-// Calls visit(pixel, hue) for every pixel, of each so manieth line, that is ink of a hue to drop.
+// Calls visit(pixel, hue) for every pixel that is ink of a hue to drop, in every lineStep-th line.
 template <class Visit>
 void forEachDropped(Page& page, const Wanted& wanted, int lineStep, Visit visit) {
   for (int y = 0; y < page.heightPx; y += lineStep) {

@@ -71,9 +71,9 @@ bool isEven(const Page& page, const Box& box, int step) {
 
 // Whether a spot is the disc that its box tells, and not a letter of the same size.
 bool isRound(const Pix& spot, const Box& box, const Page& page) {
-  const double widthMm = static_cast<double>(box.w) / page.dpi(Along::Width);
-  const double heightMm = static_cast<double>(box.h) / page.dpi(Along::Height);
-  if (std::abs(widthMm - heightMm) * 5 > std::max(widthMm, heightMm)) return false;
+  const double widthInches = static_cast<double>(box.w) / page.dpi(Along::Width);
+  const double heightInches = static_cast<double>(box.h) / page.dpi(Along::Height);
+  if (std::abs(widthInches - heightInches) * 5 > std::max(widthInches, heightInches)) return false;
   int different = 0;
   for (int y = 0; y < box.h; ++y) {
     const BitLine line(spot, y);
