@@ -151,8 +151,12 @@ ScanReport runScan(orvalle_scan_api::IScanCoreApi& core, const Capability& capab
   const auto leaveAtOnce = [&] {
     const bool leavesPagesOut = queue.pop(page, std::chrono::milliseconds(0)) == PageQueue::Pop::kPage;
     writer.finish(report);
-    setInterrupted(report, interrupts.signal());
-    if (leavesPagesOut) report.sentence += " Not all pages that had come could be written in time.";
+    if (writer.failure()) {
+      setEnd(report, writer.failure()->code(), writer.failure()->what());
+    } else {
+      setInterrupted(report, interrupts.signal());
+      if (leavesPagesOut) report.sentence += " Not all pages that had come could be written in time.";
+    }
     leave(report, options);
     std::fflush(nullptr);
     std::_Exit(static_cast<int>(report.exit));

@@ -1,5 +1,7 @@
 #include "fault_rows.h"
 
+#include <sstream>
+
 namespace e2e {
 namespace {
 
@@ -64,16 +66,15 @@ const char* settingsCommand(int generation) { return generation == 1 ? "I" : "SS
 const char* startCommand(int generation) { return generation == 1 ? "X" : "XSC"; }
 std::string at(const char* command) { return std::string("@command=") + command; }
 
-// The sentence with its number, as a report ends.
-std::string numbered(const char* sentence, const char* result) {
-  std::string text = sentence;
-  text += " (";
-  text += result;
-  return text += ")";
+// With the number of the result, as an error in the stream is told.
+std::string sentenceOf(const DeviceError& error) {
+  std::ostringstream text;
+  text << error.sentence << " (" << error.result << ")";
+  return text.str();
 }
 
 void addDeviceError(std::vector<FaultRow>& rows, int generation, const std::string& fault, const DeviceError& error) {
-  const std::string sentence = numbered(error.sentence, error.result);
+  const std::string sentence = sentenceOf(error);
   for (const Place& place : kPlaces) {
     rows.push_back({generation, {fault + "@" + place.at}, error.exit, sentence, place.pagesBefore});
   }
@@ -85,8 +86,7 @@ void addDeviceError(std::vector<FaultRow>& rows, int generation, const std::stri
 void addDeviceErrors(std::vector<FaultRow>& rows, int generation) {
   for (const DeviceError& error : kDeviceErrors) addDeviceError(rows, generation, error.name, error);
   addDeviceError(rows, generation, generation == 1 ? "device=0xC8" : "device=0x92", kDoubleFeed);
-  const std::string sentence = numbered(kDoubleFeed.sentence, kDoubleFeed.result);
-  rows.push_back({generation, {"double-feed@page=2"}, 4, sentence, 1, {"--detect-multifeed"}});
+  rows.push_back({generation, {"double-feed@page=2"}, 4, sentenceOf(kDoubleFeed), 1, {"--detect-multifeed"}});
   rows.push_back({generation, {"double-feed@page=2"}, 0, "", kSheets});
   rows.push_back({generation, {"device=0xE0@page=2"}, 7, "The device reported an unknown error", 1});
 }
