@@ -100,7 +100,7 @@ TEST_P(PanelTest, CtrlCEndsTheWaitAtOnce) {
   const auto start = std::chrono::steady_clock::now();
   run->send(SIGINT);
   EXPECT_TRUE(endedWith(130, finish(*run)));
-  EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, 900ms) << "not only before the next question";
 }
 
 TEST_P(PanelTest, ADeviceThatDoesNotAnswerTheQuestionIsASentence) {
