@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFObjectHandle.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
@@ -75,6 +76,9 @@ void readPdf(const std::string& path, const std::function<void(PdfPage)>& take) 
 }
 
 std::vector<PdfPage> readPdf(const std::string& path) {
+  // Documents share objects inside the library: one at a time.
+  static std::mutex mutex;
+  const std::lock_guard lock(mutex);
   std::vector<PdfPage> pages;
   readPdf(path, [&](PdfPage page) { pages.push_back(std::move(page)); });
   return pages;
