@@ -13,6 +13,7 @@
 
 #include "core_host.h"
 #include "figures.h"
+#include "likeness.h"
 #include "pdf_file.h"
 #include "scan_test.h"
 #include "sheets.h"
