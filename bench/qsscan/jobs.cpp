@@ -4,6 +4,7 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "likeness.h"
 #include "pdf_file.h"
 #include "sheets.h"
 
