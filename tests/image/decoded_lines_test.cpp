@@ -28,9 +28,7 @@ struct Page {
         bitmap.CreateBmpHeader(300, 300, bpp, width, height, bitmap.CreateColorTable(bpp), &headerBytes);
     EXPECT_EQ(store.WriteDataBlock(header, static_cast<unsigned>(headerBytes)), 0u);
   }
-  ByteVector pixels() const {
-    return fakes::pixelsOf({store.GetData(), store.GetData() + store.GetDataSize()});
-  }
+  ByteVector pixels() const { return fakes::pixelsOf({store.GetData(), store.GetData() + store.GetDataSize()}); }
 };
 
 // The plain form: what the buffer holds, line after line, white where the decoder cannot have written.
