@@ -42,7 +42,8 @@ void averageLine(const Neighbours& at, std::uint8_t tolerance, std::size_t count
   }
   // Exact: of quotients that small, none lies so close below a whole number.
   for (std::size_t x = 0; x < count; ++x) {
-    out[x] = static_cast<std::uint8_t>(static_cast<float>(sums[x] + counts[x] / 2) / static_cast<float>(counts[x]));
+    const int sumForRounding = sums[x] + counts[x] / 2;
+    out[x] = static_cast<std::uint8_t>(static_cast<float>(sumForRounding) / static_cast<float>(counts[x]));
   }
 }
 
