@@ -221,16 +221,16 @@ constexpr Row kRows[] = {
      [](const Capability& c) { return levelJson(c.edgeEnhance.cap, c.edgeEnhance.level); }},
     {"thickText", "Thicker text", [](const Capability& c) { return levelJson(c.thickText.cap, c.thickText.level); }},
     {"dotTextJoining", "Dots joined", [](const Capability& c) { return capJson(c.dotTextCombine); }},
-    {"noiseRemoval", "Noise removal",
+    {"noiseRemoval", "Device removes noise",
      [](const Capability& c) { return levelJson(c.dustRemoval.cap, c.dustRemoval.level); }},
-    {"lineRemoval", "Line removal", [](const Capability& c) { return capJson(c.lineRemoval.cap); }},
-    {"punchHoleRemoval", "Punch-hole removal", [](const Capability& c) { return capJson(c.punchHole.cap); }},
+    {"lineRemoval", "Device removes lines", [](const Capability& c) { return capJson(c.lineRemoval.cap); }},
+    {"punchHoleRemoval", "Device removes holes", [](const Capability& c) { return capJson(c.punchHole.cap); }},
     {"edgeCut", "Edge cut", [](const Capability& c) { return capJson(c.edgeCut); }},
     {"edgeFill", "Edge fill", [](const Capability& c) { return capJson(c.edgeFill.cap); }},
     {"carrierSheet", "Carrier sheet", [](const Capability& c) { return capJson(c.carrierSheet); }},
     {"plasticCard", "Plastic card", [](const Capability& c) { return capJson(c.plasticCard); }},
     {"quietMode", "Quiet mode", [](const Capability& c) { return capJson(c.quietMode); }},
-    {"colorProfile", "Colour profile", [](const Capability& c) { return capJson(c.iccProfile); }},
+    {"colorProfile", "Color profile", [](const Capability& c) { return capJson(c.iccProfile); }},
 };
 
 // The value in words. Objects of sizes, resolutions and ranges are told by their members.

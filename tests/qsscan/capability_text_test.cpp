@@ -120,7 +120,7 @@ INSTANTIATE_TEST_SUITE_P(
                 },
                 "edgeEnhancement", R"({"min":1,"max":5,"default":1})", "Sharpening:               1 to 5\n"},
         ItemRow{"NoNoiseRemoval", [](Capability& c) { c.dustRemoval.cap = 1; }, "noiseRemoval", "false",
-                "Noise removal:            no\n"},
+                "Device removes noise:     no\n"},
         ItemRow{"ThresholdByTheDevice", [](Capability& c) { c.monoThreshold.autoThresholdCap = 2; },
                 "automaticThreshold", "true", "Threshold by the device:  yes\n"}),
     [](const auto& info) { return std::string(info.param.name); });
