@@ -3,7 +3,7 @@
 qs_build_packages=(g++ cmake ninja-build pkg-config
   libjpeg62-turbo-dev libpng-dev libtiff-dev libqpdf-dev libcli11-dev nlohmann-json3-dev libpoppler-cpp-dev
   libleptonica-dev liblcms2-dev libavahi-client-dev libusb-1.0-0-dev libtomlplusplus-dev)
-qs_test_packages=(libgtest-dev libbenchmark-dev libumockdev-dev)
+qs_test_packages=(libgtest-dev libbenchmark-dev libumockdev-dev qpdf poppler-utils)
 qs_check_packages=(clang clang-format clang-tidy libclang-rt-14-dev)
 
 # Installs the packages that are not there yet; as root directly, otherwise with sudo.
